@@ -1,0 +1,64 @@
+#include <quillon/file/FileRecord.h>
+
+namespace quillon {
+
+QUILLON_IMPLEMENT_DYNAMIC(CFileRecord, CObject)
+
+void CFileRecord::AddField(const char* name, int id) {
+    m_fieldNames[name ? name : ""] = id;
+}
+
+void CFileRecord::AddParagraph(const char* name, int id) {
+    m_paragraphNames[name ? name : ""] = id;
+}
+
+int CFileRecord::Lookup(const NameMap& names, const CString& name, int& id) {
+    id = -1;
+    if (names.empty())
+        return 1;
+    const auto found = names.find(name.view());
+    if (found == names.end())
+        return 0;
+    id = found->second;
+    return 1;
+}
+
+int CFileRecord::ParseField(const CString& name, int& id) const {
+    return Lookup(m_fieldNames, name, id);
+}
+
+int CFileRecord::ParseParagraph(const CString& name, int& id) const {
+    return Lookup(m_paragraphNames, name, id);
+}
+
+int CFileRecord::Read(CDelimitFile* file) {
+    if (file == nullptr)
+        return 0;
+    m_id = -1;
+    while (file->ReadDelimitedString(m_input, &m_type)) {
+        switch (m_type) {
+        case RECORD_FIELD:
+            if (m_depth < 2) {
+                ParseField(m_input[0], m_id);
+                return 1;
+            }
+            break;
+        case RECORD_PARAGRAPH:
+            if (m_depth < 2 && ParseParagraph(m_input[0], m_id))
+                return 1;
+            break;
+        case RECORD_BLOCK_START:
+            ++m_depth;
+            break;
+        case RECORD_BLOCK_END:
+            if (m_depth > 0 && --m_depth == 0)
+                return 0;
+            break;
+        default: // comments and empty lines
+            break;
+        }
+    }
+    return 0;
+}
+
+} // namespace quillon

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <quillon/file/DelimitFile.h>
+#include <quillon/platform/Object.h>
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace quillon {
+
+// Turns the classified lines of a report file into reader events: a field line with its
+// identifier, a nested section (paragraph) with its identifier, and the end of the reader's own
+// block. One record reads one section; lines inside blocks nested below the record's own block
+// are skipped whole.
+//
+// The reader pattern every section class follows:
+//   int Read(CDelimitFile* file)  -> registers names on a fresh record, calls Read(file, record)
+//   int Read(CDelimitFile* file, CFileRecord& record)
+//       while (record.Read(file)) type 0 -> NewField(*record.GetInput(), record.GetID())
+//                                 type 1 -> NewParagraph(file, record.GetID())
+class CFileRecord : public CObject {
+    QUILLON_DECLARE_DYNAMIC(CFileRecord)
+
+public:
+    CFileRecord() = default;
+    CFileRecord(const CFileRecord&) = delete;
+    CFileRecord& operator=(const CFileRecord&) = delete;
+
+    // Registers a field or paragraph name; registering a name again replaces its identifier.
+    void AddField(const char* name, int id);
+    void AddParagraph(const char* name, int id);
+
+    // Reads on to the next field or paragraph of this record's block. Returns 1 when one is
+    // ready, 0 at end of file, when the record's block has closed, or without a file.
+    int Read(CDelimitFile* file);
+
+    // The line kind of the event: RECORD_FIELD or RECORD_PARAGRAPH.
+    int GetType() const { return m_type; }
+    // The identifier of the event; -1 for a field whose name is not registered.
+    int GetID() const { return m_id; }
+    // The fields of the event's line: element 0 is the field or section name.
+    const CStringArray* GetInput() const { return &m_input; }
+
+protected:
+    // Look a name up: 1 with its identifier when registered, or with -1 when nothing at all is
+    // registered in that map; 0 with -1 otherwise.
+    int ParseField(const CString& name, int& id) const;
+    int ParseParagraph(const CString& name, int& id) const;
+
+private:
+    struct NameHash {
+        using is_transparent = void;
+        size_t operator()(std::string_view name) const noexcept {
+            return std::hash<std::string_view>{}(name);
+        }
+    };
+    using NameMap = std::unordered_map<std::string, int, NameHash, std::equal_to<>>;
+
+    static int Lookup(const NameMap& names, const CString& name, int& id);
+
+    NameMap m_fieldNames;
+    NameMap m_paragraphNames;
+    CStringArray m_input;
+    int m_type = -1;
+    int m_id = -1;
+    int m_depth = 0;
+};
+
+} // namespace quillon

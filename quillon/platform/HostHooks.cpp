@@ -1,0 +1,31 @@
+#include <quillon/platform/HostHooks.h>
+
+#include <cstdio>
+
+namespace quillon {
+
+namespace {
+
+HostHooks& Hooks() {
+    static HostHooks hooks;
+    return hooks;
+}
+
+} // namespace
+
+void SetHostHooks(HostHooks hooks) {
+    Hooks() = std::move(hooks);
+}
+
+const HostHooks& GetHostHooks() {
+    return Hooks();
+}
+
+int ShowMessage(const CString& text, const CString& title, MessageIcon icon) {
+    if (const auto& show = Hooks().showMessage)
+        return show(text, title, icon);
+    std::fprintf(stderr, "%s: %s\n", title.c_str(), text.c_str());
+    return kMessageOk;
+}
+
+} // namespace quillon

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <quillon/platform/String.h>
+
+#include <functional>
+
+namespace quillon {
+
+// What the host application supplies to the library. A host replaces a hook with SetHostHooks;
+// an empty hook falls back to the default stated beside it, which suits a command-line program.
+// The library reads these hooks only on the caller's thread and never changes them itself.
+
+enum class MessageIcon { Information, Exclamation, Error, Question };
+
+// The answer of a message box: the library only shows information, so OK is the one answer.
+constexpr int kMessageOk = 1;
+
+struct HostHooks {
+    // Shows a message to the user. Default: writes "title: text" to standard error.
+    std::function<int(const CString& text, const CString& title, MessageIcon icon)> showMessage;
+};
+
+// Replaces the host hooks as a whole.
+void SetHostHooks(HostHooks hooks);
+// The hooks in force.
+const HostHooks& GetHostHooks();
+
+// Shows a message through the message hook; returns its answer.
+int ShowMessage(const CString& text, const CString& title, MessageIcon icon);
+
+} // namespace quillon

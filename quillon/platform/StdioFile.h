@@ -1,0 +1,58 @@
+#pragma once
+
+#include <quillon/platform/File.h>
+#include <quillon/platform/FileException.h>
+
+#include <cstdio>
+
+namespace quillon {
+
+// A file read and written through a C stream. In text mode (the default) a line that ends in
+// carriage return and line feed reads exactly like one that ends in a line feed; writing always
+// uses line feeds. Errors of the file itself throw CFileException.
+class CStdioFile : public CFile {
+    QUILLON_DECLARE_DYNAMIC(CStdioFile)
+
+public:
+    CStdioFile() = default;
+    // Attaches an open stream, which the object does not close.
+    explicit CStdioFile(FILE* stream);
+    // Opens a file; throws CFileException when it cannot be opened.
+    CStdioFile(const char* fileName, UINT openFlags);
+    ~CStdioFile() override;
+
+    BOOL Open(const char* fileName, UINT openFlags, CFileException* error = nullptr) override;
+    void Close() override;
+    bool IsOpen() const { return m_pStream != nullptr; }
+
+    // Reads at most maxChars - 1 characters of a line, with its line feed when it fits, into
+    // buffer; returns buffer, or null at end of file.
+    virtual char* ReadString(char* buffer, UINT maxChars);
+    // Reads one whole line of any length without its line end. Returns TRUE when a line was read
+    // (a last line without a line feed included), FALSE at end of file with an empty text.
+    virtual BOOL ReadString(CString& line);
+    // Writes the text as it stands.
+    virtual void WriteString(const char* text);
+
+    int64_t GetPosition() const override;
+    int64_t Seek(int64_t offset, UINT from) override;
+    int64_t GetLength() const override;
+    void SetLength(int64_t newLength) override;
+    void Flush() override;
+
+    FILE* m_pStream = nullptr;
+
+protected:
+    [[noreturn]] void ThrowError(const char* operation, int osError) const;
+
+    bool m_bCloseOnDelete = false;
+    bool m_bTextMode = true;
+
+private:
+    void CloseQuietly() noexcept;
+
+    char* m_lineBuffer = nullptr; // reused by ReadString(CString&) from line to line
+    size_t m_lineCapacity = 0;
+};
+
+} // namespace quillon

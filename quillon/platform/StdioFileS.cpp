@@ -1,0 +1,7 @@
+#include <quillon/platform/StdioFileS.h>
+
+namespace quillon {
+
+QUILLON_IMPLEMENT_DYNAMIC(CStdioFileS, CStdioFile)
+
+} // namespace quillon

@@ -1,0 +1,18 @@
+#pragma once
+
+// Everything the library offers. Include this header and link quillon::quillon.
+
+#include <quillon/platform/Array.h>
+#include <quillon/platform/Exception.h>
+#include <quillon/platform/File.h>
+#include <quillon/platform/FileException.h>
+#include <quillon/platform/HostHooks.h>
+#include <quillon/platform/Object.h>
+#include <quillon/platform/Point.h>
+#include <quillon/platform/StdioFile.h>
+#include <quillon/platform/StdioFileS.h>
+#include <quillon/platform/String.h>
+#include <quillon/platform/Types.h>
+
+#include <quillon/file/DelimitFile.h>
+#include <quillon/file/FileRecord.h>
