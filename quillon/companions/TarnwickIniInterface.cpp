@@ -1,0 +1,104 @@
+#include <quillon/companions/TarnwickIniInterface.h>
+
+#include <quillon/platform/ProfileFile.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace quillon {
+
+namespace {
+
+constexpr const char* kIniFileName = "Tarnwick.ini";
+constexpr const char* kSection = "Hollbeck Neutral Losses";
+// Values are read into a 260-byte buffer by the host's own programs; longer ones are cut the same
+// way here, so every program of the suite sees the same list.
+constexpr int kMaxValueLength = 259;
+
+CString LossKey(int number) {
+    CString key;
+    key.Format("Loss %d", number);
+    return key;
+}
+
+// One stored value back into a compound; lengths that do not fit the text give clipped or empty
+// texts, never an error.
+CCompoundData ParseLoss(const CString& value) {
+    double mass = 0.0;
+    int selectedFlag = 0;
+    int nameLength = 0;
+    int formulaLength = 0;
+    std::sscanf(value.c_str(), "%lf,%d,%d,%d", &mass, &selectedFlag, &nameLength, &formulaLength);
+
+    const long long nameStart =
+        static_cast<long long>(value.GetLength()) - nameLength - formulaLength - 1;
+    const int start = static_cast<int>(std::clamp<long long>(nameStart, 0, value.GetLength()));
+    CCompoundData loss(mass, value.Right(formulaLength), value.Mid(start, nameLength));
+    loss.SetSelected(selectedFlag == 1);
+    return loss;
+}
+
+} // namespace
+
+CTarnwickIniInterface::CTarnwickIniInterface(CString workingDirectory)
+    : m_strWorkingDirectory(std::move(workingDirectory)) {}
+
+bool CTarnwickIniInterface::GetNeutralLosses(CCompounds& losses, bool selectedOnly) const {
+    const CString path = IniPath();
+    // The list is offered only from a file the user could also save it back to.
+    std::FILE* probe = std::fopen(path.c_str(), "r+");
+    if (!probe)
+        return false;
+    std::fclose(probe);
+
+    CProfileFile ini(path.str());
+    if (!ini.Load())
+        return false;
+
+    int number = 1;
+    for (;; ++number) {
+        const CString value(ini.GetString(kSection, LossKey(number).view(), ""));
+        if (value.IsEmpty())
+            break;
+        const CCompoundData loss = ParseLoss(value.Left(kMaxValueLength));
+        if (!selectedOnly || loss.IsSelected())
+            losses.Add(loss);
+    }
+    return number > 1;
+}
+
+void CTarnwickIniInterface::SetNeutralLosses(const CCompounds& losses) const {
+    CProfileFile ini(IniPath().str());
+    // A file that exists but cannot be read is not overwritten with a file holding only this list.
+    if (!ini.Load())
+        return;
+
+    ini.ReplaceSection(kSection, {});
+    for (int i = 0; i < losses.GetSize(); ++i) {
+        const CCompoundData loss = losses.GetAt(i);
+        CString name;
+        CString formula;
+        loss.GetName(name);
+        loss.GetFormula(formula);
+        CString value;
+        value.Format("%.4f,%d,%d,%d,%s,%s", loss.GetMass(), loss.IsSelected() ? 1 : 0,
+                     name.GetLength(), formula.GetLength(), name.c_str(), formula.c_str());
+        ini.WriteString(kSection, LossKey(i + 1).view(), value.view());
+    }
+    // One save for the whole list: the file holds the old list or the new one, never a part.
+    ini.Save();
+}
+
+CString CTarnwickIniInterface::IniPath() const {
+    std::filesystem::path directory(m_strWorkingDirectory.str());
+    if (directory.empty()) {
+        std::error_code error;
+        directory = std::filesystem::current_path(error);
+    }
+    return CString((directory / kIniFileName).string());
+}
+
+} // namespace quillon
