@@ -9,6 +9,7 @@
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
+#include <quillon/platform/ProfileFile.h>
 #include <quillon/platform/StdioFile.h>
 #include <quillon/platform/StdioFileS.h>
 #include <quillon/platform/String.h>
@@ -16,3 +17,7 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+
+#include <quillon/fragments/NeutralLossEntry.h>
+
+#include <quillon/companions/TarnwickIniInterface.h>
