@@ -21,3 +21,6 @@
 #include <quillon/fragments/NeutralLossEntry.h>
 
 #include <quillon/companions/TarnwickIniInterface.h>
+
+#include <quillon/metabolites/CompoundData.h>
+#include <quillon/metabolites/Compounds.h>

@@ -1,0 +1,107 @@
+#include <quillon/metabolites/Compounds.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+using namespace quillon;
+
+namespace {
+
+std::vector<double> Masses(const CCompounds& list) {
+    std::vector<double> masses;
+    for (int i = 0; i < list.GetSize(); ++i)
+        masses.push_back(list.GetAt(i).GetMass());
+    return masses;
+}
+
+CString NameOf(const CCompoundData& compound) {
+    CString name;
+    compound.GetName(name);
+    return name;
+}
+
+} // namespace
+
+TEST(CompoundDataTest, ConstructionAndCopyKeepEveryMember) {
+    CCompoundData compound(180.0634, "C6H12O6", "Glucose");
+    compound.SetSelected(true);
+
+    CCompoundData copy(compound);
+    CString formula;
+    copy.GetFormula(formula);
+    EXPECT_DOUBLE_EQ(copy.GetMass(), 180.0634);
+    EXPECT_EQ(formula, "C6H12O6");
+    EXPECT_EQ(NameOf(copy), "Glucose");
+    EXPECT_TRUE(copy.IsSelected());
+
+    CCompoundData assigned;
+    assigned = compound;
+    compound.SetName("Changed");
+    EXPECT_EQ(NameOf(assigned), "Glucose");
+    EXPECT_TRUE(assigned.IsSelected());
+
+    const CCompoundData empty;
+    EXPECT_EQ(empty.GetMass(), 0.0);
+    EXPECT_EQ(NameOf(empty), "");
+    EXPECT_FALSE(empty.IsSelected());
+    EXPECT_STREQ(empty.GetRuntimeClass()->m_lpszClassName, "CCompoundData");
+}
+
+TEST(CompoundsTest, SortPutsNonNegativeMassesFirstThenNegativesByMagnitude) {
+    CCompounds list;
+    for (double mass : {18.0106, -2.0, 0.0, 15.9949, -15.9949})
+        list.Add(CCompoundData(mass, "", ""));
+    list.Sort();
+    EXPECT_EQ(Masses(list), (std::vector<double>{0.0, 15.9949, 18.0106, -2.0, -15.9949}));
+}
+
+TEST(CompoundsTest, SortKeepsOrderOfEqualMassesAndToleratesNotANumber) {
+    CCompounds list;
+    list.Add(CCompoundData(std::numeric_limits<double>::quiet_NaN(), "", "nan"));
+    list.Add(CCompoundData(44.0, "", "first"));
+    list.Add(CCompoundData(-1.0, "", "negative"));
+    list.Add(CCompoundData(44.0, "", "second"));
+    list.Sort();
+    ASSERT_EQ(list.GetSize(), 4);
+    EXPECT_EQ(NameOf(list.GetAt(0)), "first");
+    EXPECT_EQ(NameOf(list.GetAt(1)), "second");
+    EXPECT_EQ(NameOf(list.GetAt(2)), "negative");
+    EXPECT_TRUE(std::isnan(list.GetAt(3).GetMass()));
+}
+
+TEST(CompoundsTest, CopiesShareOneListThatOutlivesTheSource) {
+    auto* original = new CCompounds;
+    original->Add(CCompoundData(1.0, "", "a"));
+    CCompounds copy(*original);
+    CCompounds assigned;
+    assigned.Add(CCompoundData(99.0, "", "dropped"));
+    assigned = *original;
+
+    // A change through any sharer is seen by all of them.
+    copy.Add(CCompoundData(2.0, "", "b"));
+    EXPECT_EQ(original->GetSize(), 2);
+    EXPECT_EQ(assigned.GetSize(), 2);
+    original->SetAt(0, CCompoundData(3.0, "", "c"));
+    EXPECT_EQ(NameOf(copy.GetAt(0)), "c");
+
+    delete original;
+    assigned.RemoveAt(0);
+    EXPECT_EQ(Masses(copy), (std::vector<double>{2.0}));
+    copy.RemoveAll();
+    EXPECT_EQ(assigned.GetSize(), 0);
+}
+
+TEST(CompoundsTest, IndicesOutsideTheListChangeNothing) {
+    CCompounds list;
+    list.Add(CCompoundData(5.0, "", "only"));
+    list.SetAt(1, CCompoundData(6.0, "", "x"));
+    list.SetAt(-1, CCompoundData(6.0, "", "x"));
+    list.RemoveAt(3);
+    list.RemoveAt(-1);
+    EXPECT_EQ(Masses(list), (std::vector<double>{5.0}));
+    EXPECT_EQ(list.GetAt(1).GetMass(), 0.0);
+    EXPECT_EQ(NameOf(list.GetAt(-1)), "");
+}
