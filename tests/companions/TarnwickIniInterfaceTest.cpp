@@ -1,12 +1,11 @@
 #include <quillon/companions/TarnwickIniInterface.h>
 
+#include <support/TempFile.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
 #include <string>
 
 namespace quillon {
@@ -19,32 +18,15 @@ constexpr const char* kOtherSettings = "; suite settings\n"
                                        "Colour=blue\n"
                                        "\n";
 
-// A settings file in a fresh directory under the system's temporary folder.
 class TarnwickIniInterfaceTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::random_device random;
-        m_directory = fs::temp_directory_path() / ("quillon-tarnwick-" + std::to_string(random()));
-        fs::create_directories(m_directory);
-        m_path = m_directory / "Tarnwick.ini";
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::permissions(m_path, fs::perms::owner_all, fs::perm_options::add, ignored);
-        fs::remove_all(m_directory, ignored);
-    }
-
     CTarnwickIniInterface Settings() const { return CTarnwickIniInterface(m_directory.c_str()); }
-    void WriteFile(const std::string& content) const {
-        std::ofstream(m_path, std::ios::binary) << content;
-    }
-    std::string ReadFile() const {
-        std::ifstream in(m_path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
+    void WriteFile(const std::string& content) const { m_file.Write(content); }
+    std::string ReadFile() const { return m_file.Read(); }
 
-    fs::path m_directory;
-    fs::path m_path;
+    testing::TempFile m_file{"Tarnwick.ini"};
+    const fs::path m_directory = m_file.Folder();
+    const fs::path m_path = m_file.Path();
 };
 
 CCompoundData Loss(double mass, const char* formula, const char* name, bool selected) {

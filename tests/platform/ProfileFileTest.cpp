@@ -1,12 +1,12 @@
 #include <quillon/platform/ProfileFile.h>
 
+#include <support/TempFile.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <random>
 #include <string>
 
 namespace quillon {
@@ -14,36 +14,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A fresh directory under the system's temporary folder, removed with everything in it.
 class ProfileFileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::random_device random;
-        m_directory = fs::temp_directory_path() / ("quillon-profile-" + std::to_string(random()));
-        fs::create_directories(m_directory);
-        m_path = (m_directory / "settings.ini").string();
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::permissions(m_path, fs::perms::owner_all, fs::perm_options::add, ignored);
-        fs::remove_all(m_directory, ignored);
-    }
-
-    void WriteFile(const std::string& content) const {
-        std::ofstream(m_path, std::ios::binary) << content;
-    }
-    std::string ReadFile() const {
-        std::ifstream in(m_path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
+    void WriteFile(const std::string& content) const { m_file.Write(content); }
+    std::string ReadFile() const { return m_file.Read(); }
     CProfileFile Loaded() const {
         CProfileFile file(m_path);
         EXPECT_TRUE(file.Load());
         return file;
     }
 
-    fs::path m_directory;
-    std::string m_path;
+    testing::TempFile m_file{"settings.ini"};
+    const fs::path m_directory = m_file.Folder();
+    const std::string m_path = m_file.Path();
 };
 
 TEST_F(ProfileFileTest, LookupIgnoresCaseAndBlanksAndFallsBackToTheDefault) {
