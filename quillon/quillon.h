@@ -3,6 +3,7 @@
 // Everything the library offers. Include this header and link quillon::quillon.
 
 #include <quillon/platform/Array.h>
+#include <quillon/platform/ChartSettings.h>
 #include <quillon/platform/Exception.h>
 #include <quillon/platform/File.h>
 #include <quillon/platform/FileException.h>
@@ -17,6 +18,8 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+
+#include <quillon/acquisition/TraceType.h>
 
 #include <quillon/fragments/NeutralLossEntry.h>
 
