@@ -27,3 +27,6 @@
 
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/Compounds.h>
+#include <quillon/acquisition/ParametersData.h>
+
+#include <quillon/document/SampleData.h>

@@ -1,0 +1,385 @@
+#include <quillon/document/SampleData.h>
+
+#include <quillon/file/DelimitFile.h>
+#include <quillon/file/FileRecord.h>
+
+#include <cstdlib>
+#include <type_traits>
+
+namespace quillon {
+
+QUILLON_IMPLEMENT_DYNAMIC(CSampleData, CObject)
+
+// Samples are built once and moved into their collection; a copying move would double the cost
+// of reading a report.
+static_assert(std::is_nothrow_move_constructible_v<CSampleData>);
+static_assert(std::is_nothrow_move_assignable_v<CSampleData>);
+
+namespace {
+
+// Identifiers of the header fields of a sample's block.
+enum HeaderField {
+    kSample = 0,
+    kFileName = 1,
+    kWell = 2,
+    kPlate = 3,
+    kSampleType = 4,
+    kSampleID = 5,
+    kSampleDescription = 6,
+    kProcessParameters = 7,
+    kInletFileName = 8,
+    kMSMethodFileName = 9,
+    kMSTuneFileName = 10,
+    kInjectionVolume = 11,
+    kSubjectTime = 12,
+    kSubjectText = 13,
+    kSubjectParent = 14,
+    kConcentration = 15,
+    kDate = 16,
+    kTime = 17,
+    kLockSprayEnabled = 18,
+    kMUXEnabled = 19,
+    kMasses = 20,
+    kProcessingTime = 21,
+    kInfo = 22,
+    kWarning = 23,
+    kEleParameters = 24,
+    kJobCode = 25,
+    kTaskCode = 26,
+    kUserName = 27,
+    kLabName = 28,
+    kInstrument = 29,
+    kConditions = 30,
+    kSubmitter = 31,
+};
+
+// Identifiers of the sections nested in a sample's block. They lie above the header fields, so the
+// identifier alone tells a section from a field.
+enum SectionId {
+    kDiagnosticSection = 34,
+    kCompoundSection = 35,
+    kFunctionSection = 36,
+    kFunctionAppendSection = 37,
+    kExpectedMetabolitesSection = 38,
+    kUnexpectedMetabolitesSection = 39,
+    kMSMSCorrelationSection = 40,
+    kParametersSection = 41,
+    kAnalogSection = 42,
+    kElementalSection = 43,
+    kMolfileListSection = 44,
+    kMassDefectFilterSection = 45,
+};
+
+bool IsSectionId(int id) {
+    return id >= kDiagnosticSection && id <= kMassDefectFilterSection;
+}
+
+struct NamedId {
+    const char* name;
+    int id;
+};
+
+constexpr NamedId kHeaderFields[] = {
+    {"Sample", kSample},
+    {"FileName", kFileName},
+    {"Well", kWell},
+    {"Plate", kPlate},
+    {"SampleType", kSampleType},
+    {"SampleID", kSampleID},
+    {"SampleDescription", kSampleDescription},
+    {"ProcessParameters", kProcessParameters},
+    {"InletFileName", kInletFileName},
+    {"MSMethodFileName", kMSMethodFileName},
+    {"MSTuneFileName", kMSTuneFileName},
+    {"InjectionVolume", kInjectionVolume},
+    {"SubjectTime", kSubjectTime},
+    {"SubjectText", kSubjectText},
+    {"SubjectParent", kSubjectParent},
+    {"Concentration", kConcentration},
+    {"Date", kDate},
+    {"Time", kTime},
+    {"LockSprayEnabled", kLockSprayEnabled},
+    {"MUXEnabled", kMUXEnabled},
+    {"Masses", kMasses},
+    {"ProcessingTime", kProcessingTime},
+    {"Info", kInfo},
+    {"Warning", kWarning},
+    {"EleParameters", kEleParameters},
+    {"JobCode", kJobCode},
+    {"TaskCode", kTaskCode},
+    {"UserName", kUserName},
+    {"LabName", kLabName},
+    {"Instrument", kInstrument},
+    {"Conditions", kConditions},
+    {"Submitter", kSubmitter},
+};
+
+// The sections the sample reads. A section that is not listed is skipped with its block, so a
+// section is listed here only once its reader exists (NewParagraph dispatches on the identifier).
+constexpr NamedId kSections[] = {
+    {"METABOLITE COMPOUNDS", kDiagnosticSection},
+    {"NEUTRAL LOSS COMPOUNDS", kDiagnosticSection},
+    {"COMPOUND", kCompoundSection},
+    {"PARAMETERS", kParametersSection},
+    {"MASS DEFECT FILTER", kMassDefectFilterSection},
+};
+
+// Adds one more line to a text that collects repeated fields.
+void AppendLine(CString& text, const CString& line) {
+    if (text.IsEmpty()) {
+        text = line;
+        return;
+    }
+    text += '\n';
+    text += line;
+}
+
+} // namespace
+
+int CSampleData::Read(CDelimitFile* file) {
+    CFileRecord record;
+    for (const NamedId& field : kHeaderFields)
+        record.AddField(field.name, field.id);
+    for (const NamedId& section : kSections)
+        record.AddParagraph(section.name, section.id);
+
+    while (record.Read(file)) {
+        const int id = record.GetID();
+        if (IsSectionId(id))
+            NewParagraph(file, id);
+        else
+            NewField(*record.GetInput(), id);
+    }
+    return 1;
+}
+
+int CSampleData::NewParagraph(CDelimitFile* file, int id) {
+    switch (id) {
+    case kDiagnosticSection:
+        return ReadDiagnosticSection(file);
+    case kCompoundSection:
+        return ReadCompound(file);
+    case kParametersSection:
+        return ReadParameters(file);
+    case kMassDefectFilterSection:
+        return ReadMDF(file);
+    default:
+        return 0;
+    }
+}
+
+int CSampleData::NewField(const CStringArray& input, int id) {
+    const CString none;
+    const CString& value = input.GetSize() > 1 ? input[1] : none;
+    switch (id) {
+    case kSample:
+        SetNumber(value);
+        break;
+    case kFileName:
+        m_strFileName = value;
+        break;
+    case kWell:
+        m_strWell = value.IsEmpty() || value == "0" ? CString("1") : value;
+        break;
+    case kPlate:
+        m_strPlateDescription = value;
+        break;
+    case kSampleType:
+        m_strType = value == "QC" ? CString("Control") : value;
+        break;
+    case kSampleID:
+        m_strID = value;
+        break;
+    case kSampleDescription:
+        m_strDescription = value;
+        break;
+    case kProcessParameters:
+        m_strProcessParameters = value;
+        break;
+    case kInletFileName:
+        m_strInletFileName = value;
+        break;
+    case kMSMethodFileName:
+        m_strMSMethodFileName = value;
+        break;
+    case kMSTuneFileName:
+        m_strMSTuneFileName = value;
+        break;
+    case kInjectionVolume:
+        m_strInjectionVolume = value;
+        break;
+    case kSubjectTime:
+        m_strSubjectTime = value;
+        break;
+    case kSubjectText:
+        m_strSubjectText = value;
+        break;
+    case kSubjectParent:
+        m_strSubjectParent = value;
+        break;
+    case kConcentration:
+        SetConcentration(value);
+        break;
+    case kDate:
+        m_strDate = value;
+        break;
+    case kTime:
+        m_strTime = value;
+        break;
+    case kLockSprayEnabled:
+        SetLockSprayEnabled(value);
+        break;
+    case kMUXEnabled:
+        SetMUXEnabled(value);
+        break;
+    case kMasses:
+    case kEleParameters:
+        break;
+    case kProcessingTime:
+        AppendLine(m_strProcessingTime, value);
+        break;
+    case kInfo:
+        AppendLine(m_strProcessingInfo, value);
+        break;
+    case kWarning:
+        AppendLine(m_strProcessingWarning, value);
+        break;
+    case kJobCode:
+        m_strJobCode = value;
+        break;
+    case kTaskCode:
+        m_strTaskCode = value;
+        break;
+    case kUserName:
+        m_strUserName = value;
+        break;
+    case kLabName:
+        m_strLabName = value;
+        break;
+    case kInstrument:
+        m_strInstrument = value;
+        break;
+    case kConditions:
+        m_strConditions = value;
+        break;
+    case kSubmitter:
+        m_strSubmitter = value;
+        break;
+    default:
+        return 0;
+    }
+    return 1;
+}
+
+int CSampleData::Write(CDelimitFile* file) const {
+    return file != nullptr ? 1 : 0;
+}
+
+void CSampleData::Empty() {
+    m_Compounds.RemoveAll();
+}
+
+void CSampleData::SetNumber(const CString& number) {
+    m_nNumber = std::atoi(number);
+}
+
+int CSampleData::GetWell(CString& well) const {
+    well = m_strWell;
+    return 1;
+}
+
+int CSampleData::GetWell() const {
+    return std::atoi(m_strWell);
+}
+
+int CSampleData::GetPlateDescription(CString& plate) const {
+    plate = m_strPlateDescription;
+    return 1;
+}
+
+float CSampleData::GetSubjectTime() const {
+    return static_cast<float>(std::atof(m_strSubjectTime));
+}
+
+void CSampleData::SetConcentration(const CString& concentration) {
+    m_dConcentration = std::atof(concentration);
+}
+
+void CSampleData::SetLockSprayEnabled(const CString& enabled) {
+    m_bLockSprayEnabled = std::atoi(enabled) != 0;
+}
+
+void CSampleData::SetMUXEnabled(const CString& enabled) {
+    m_bMUXEnabled = std::atoi(enabled) != 0;
+}
+
+CCompoundData* CSampleData::GetCompound(int index) {
+    if (index < 0 || index >= m_Compounds.GetSize())
+        return nullptr;
+    return &m_Compounds[index];
+}
+
+const CCompoundData* CSampleData::GetCompound(int index) const {
+    if (index < 0 || index >= m_Compounds.GetSize())
+        return nullptr;
+    return &m_Compounds[index];
+}
+
+CCompoundData* CSampleData::GetCompound() {
+    return GetCompound(m_Compounds.GetUpperBound());
+}
+
+int CSampleData::AddCompound() {
+    m_Compounds.Add(CCompoundData());
+    return m_Compounds.GetSize();
+}
+
+int CSampleData::AddCompound(const CCompoundData& compound) {
+    return m_Compounds.Add(compound);
+}
+
+int CSampleData::ReadCompound(CDelimitFile* file) {
+    CFileRecord record;
+    while (record.Read(file)) {
+        if (record.GetType() == RECORD_FIELD)
+            CompoundNewField(*record.GetInput());
+    }
+    return 1;
+}
+
+int CSampleData::CompoundNewField(const CStringArray& row) {
+    const int count = row.GetSize();
+    m_Compounds.Add(CCompoundData(count > 0 ? std::atof(row[0]) : 0.0,
+                                  count > 1 ? row[1] : CString(), count > 2 ? row[2] : CString()));
+    return 1;
+}
+
+int CSampleData::ReadParameters(CDelimitFile* file) {
+    return m_Parameters.Read(file);
+}
+
+int CSampleData::ReadMDF(CDelimitFile* file) {
+    CFileRecord record;
+    while (record.Read(file)) {
+        if (record.GetType() == RECORD_FIELD)
+            MDFNewField(*record.GetInput());
+    }
+    return 0;
+}
+
+int CSampleData::MDFNewField(const CStringArray& row) {
+    if (row.GetSize() == 1)
+        m_MDFMasses.Add(std::atof(row[0]));
+    else if (row.GetSize() >= 2)
+        m_MDFParams.Add(std::atof(row[1]));
+    return 1;
+}
+
+int CSampleData::ReadDiagnosticSection(CDelimitFile* file) {
+    CFileRecord record;
+    while (record.Read(file)) {
+    }
+    return 1;
+}
+
+} // namespace quillon

@@ -1,0 +1,260 @@
+#pragma once
+
+#include <quillon/acquisition/DoubleArray.h>
+#include <quillon/acquisition/ParametersData.h>
+#include <quillon/metabolites/CompoundData.h>
+#include <quillon/platform/Array.h>
+#include <quillon/platform/Object.h>
+#include <quillon/platform/String.h>
+#include <quillon/platform/Types.h>
+
+namespace quillon {
+
+class CDelimitFile;
+class CDivBroParams;
+
+// One sample of a report: its header (identity, acquisition files, subject, processing notes),
+// its processing state and the sections read from its "[SAMPLE]" block. Copies are deep, except
+// the control sample and browser parameter pointers, which are copied as pointers.
+class CSampleData : public CObject {
+    QUILLON_DECLARE_DYNAMIC(CSampleData)
+
+public:
+    // A default sample: every member holds the default stated at its declaration.
+    CSampleData() = default;
+    CSampleData(const CSampleData& source) = default;
+    CSampleData(CSampleData&& source) = default;
+    CSampleData& operator=(const CSampleData& source) = default;
+    CSampleData& operator=(CSampleData&& source) = default;
+    ~CSampleData() override = default;
+
+    // Removes all compounds.
+    void Empty();
+
+    // Reads a "[SAMPLE]" (or "SAMPLE_APPEND") section from the line after its header to the close
+    // of its block: header fields overwrite, processing texts grow, sections add to what the
+    // sample holds. Returns 1.
+    int Read(CDelimitFile* file);
+    // Writes nothing: a report is only produced by the collection's copy pass. Returns 1 when a
+    // file is given, 0 otherwise.
+    int Write(CDelimitFile* file) const;
+
+    // Header fields.
+    int GetNumber() const { return m_nNumber; }
+    void SetNumber(int number) { m_nNumber = number; }
+    void SetNumber(const CString& number);
+    void GetFileName(CString& name) const { name = m_strFileName; }
+    void SetFileName(const CString& name) { m_strFileName = name; }
+    int GetWell(CString& well) const;
+    int GetWell() const; // the well as an integer (atoi rules)
+    void SetWell(const CString& well) { m_strWell = well; }
+    int GetPlateDescription(CString& plate) const;
+    void SetPlateDescription(const CString& plate) { m_strPlateDescription = plate; }
+    void GetType(CString& type) const { type = m_strType; }
+    void SetType(const CString& type) { m_strType = type; }
+    bool IsControl() const { return m_strType == "Control"; }
+    bool IsAnalyte() const { return m_strType == "Analyte"; }
+    void GetID(CString& id) const { id = m_strID; }
+    void SetID(const CString& id) { m_strID = id; }
+    void GetDescription(CString& description) const { description = m_strDescription; }
+    void SetDescription(const CString& description) { m_strDescription = description; }
+    void GetProcessParameters(CString& parameters) const { parameters = m_strProcessParameters; }
+    const char* GetProcessParameters() const { return m_strProcessParameters; }
+    void SetProcessParameters(const CString& parameters) { m_strProcessParameters = parameters; }
+    void GetInletFileName(CString& name) const { name = m_strInletFileName; }
+    void SetInletFileName(const CString& name) { m_strInletFileName = name; }
+    void GetMSMethodFileName(CString& name) const { name = m_strMSMethodFileName; }
+    void SetMSMethodFileName(const CString& name) { m_strMSMethodFileName = name; }
+    void GetMSTuneFileName(CString& name) const { name = m_strMSTuneFileName; }
+    void SetMSTuneFileName(const CString& name) { m_strMSTuneFileName = name; }
+    void GetInjectionVolume(CString& volume) const { volume = m_strInjectionVolume; }
+    void SetInjectionVolume(const CString& volume) { m_strInjectionVolume = volume; }
+    void GetSubjectTime(CString& time) const { time = m_strSubjectTime; }
+    float GetSubjectTime() const; // the subject time as a number (atof rules)
+    void SetSubjectTime(const CString& time) { m_strSubjectTime = time; }
+    void GetSubjectText(CString& text) const { text = m_strSubjectText; }
+    const char* GetSubjectText() const { return m_strSubjectText; }
+    void SetSubjectText(const CString& text) { m_strSubjectText = text; }
+    void GetSubjectParent(CString& parent) const { parent = m_strSubjectParent; }
+    const char* GetSubjectParent() const { return m_strSubjectParent; }
+    void SetSubjectParent(const CString& parent) { m_strSubjectParent = parent; }
+    double GetConcentration() const { return m_dConcentration; }
+    void SetConcentration(double concentration) { m_dConcentration = concentration; }
+    void SetConcentration(const CString& concentration);
+    void GetDate(CString& date) const { date = m_strDate; }
+    void SetDate(const CString& date) { m_strDate = date; }
+    void GetTime(CString& time) const { time = m_strTime; }
+    void SetTime(const CString& time) { m_strTime = time; }
+    bool GetLockSprayEnabled() const { return m_bLockSprayEnabled; }
+    void SetLockSprayEnabled(bool enabled) { m_bLockSprayEnabled = enabled; }
+    void SetLockSprayEnabled(const CString& enabled); // a non-zero integer is true
+    void SetLockSprayEnabled(const char* enabled) { SetLockSprayEnabled(CString(enabled)); }
+    bool GetMUXEnabled() const { return m_bMUXEnabled; }
+    void SetMUXEnabled(bool enabled) { m_bMUXEnabled = enabled; }
+    void SetMUXEnabled(const CString& enabled); // a non-zero integer is true
+    void SetMUXEnabled(const char* enabled) { SetMUXEnabled(CString(enabled)); }
+    // The processing notes: each repeated line of the file is one more line of the text.
+    void GetProcessingTime(CString& text) const { text = m_strProcessingTime; }
+    void GetProcessingInfo(CString& text) const { text = m_strProcessingInfo; }
+    void GetProcessingWarning(CString& text) const { text = m_strProcessingWarning; }
+    void GetJobCode(CString& code) const { code = m_strJobCode; }
+    void SetJobCode(const CString& code) { m_strJobCode = code; }
+    void GetTaskCode(CString& code) const { code = m_strTaskCode; }
+    void SetTaskCode(const CString& code) { m_strTaskCode = code; }
+    void GetUserNameA(CString& name) const { name = m_strUserName; }
+    void SetUserName(const CString& name) { m_strUserName = name; }
+    void GetLabName(CString& name) const { name = m_strLabName; }
+    void SetLabName(const CString& name) { m_strLabName = name; }
+    void GetInstrument(CString& instrument) const { instrument = m_strInstrument; }
+    const char* GetInstrument() const { return m_strInstrument; }
+    void SetInstrument(const CString& instrument) { m_strInstrument = instrument; }
+    void GetCondtions(CString& conditions) const { conditions = m_strConditions; }
+    void SetCondtions(const CString& conditions) { m_strConditions = conditions; }
+    void GetSubmitter(CString& submitter) const { submitter = m_strSubmitter; }
+    void SetSubmitter(const CString& submitter) { m_strSubmitter = submitter; }
+
+    // Place in the report file: the sample's index in file order and where its section lies.
+    int GetFileEntry() const { return m_nFileEntry; }
+    void SetFileEntry(int entry) { m_nFileEntry = entry; }
+    unsigned long GetFilePosStart() const { return m_ulFilePosStart; }
+    void SetFilePosStart(unsigned long position) { m_ulFilePosStart = position; }
+    unsigned long GetFilePosEnd() const { return m_ulFilePosEnd; }
+    void SetFilePosEnd(unsigned long position) { m_ulFilePosEnd = position; }
+
+    // Links that the sample does not own.
+    CDivBroParams* GetParams() const { return m_pParams; }
+    void SetParams(CDivBroParams* params) { m_pParams = params; }
+    CSampleData* GetControlSample() const { return m_pControlSample; }
+    void SetControlSample(CSampleData* control) { m_pControlSample = control; }
+
+    // Processing state.
+    bool IsDuplicate() const { return m_bDuplicate; }
+    void IsDuplicate(bool duplicate) { m_bDuplicate = duplicate; }
+    bool ExpectedMetabolitesValid() const { return m_bExpectedMetabolitesValid; }
+    void ExpectedMetabolitesValid(bool valid) { m_bExpectedMetabolitesValid = valid; }
+    bool UnexpectedMetabolitesValid() const { return m_bUnexpectedMetabolitesValid; }
+    void UnexpectedMetabolitesValid(bool valid) { m_bUnexpectedMetabolitesValid = valid; }
+    bool MSMSMetabolitesValid() const { return m_bMSMSMetabolitesValid; }
+    void MSMSMetabolitesValid(bool valid) { m_bMSMSMetabolitesValid = valid; }
+    bool MSMSModeDisplay() const { return m_byMSMSModeDisplay == 1; }
+    void SetMSMSModeDisplay(BYTE display) { m_byMSMSModeDisplay = display; }
+    bool GetElementalEnabled() const { return m_bElementalEnabled; }
+    void SetElementalEnabled(bool enabled) { m_bElementalEnabled = enabled; }
+    bool GetMoleculeEnabled() const { return m_bMoleculeEnabled; }
+    void SetMoleculeEnabled(bool enabled) { m_bMoleculeEnabled = enabled; }
+    int GetMoleculeDimensions() const { return m_nMoleculeDimensions; } // -1: not determined
+    void IncrementExpectedMetaboliteCount() { ++m_nExpectedMetaboliteLastEntry; }
+    int GetHighEnergyExpectedCount() const { return m_nHighEnergyExpectedCount; }
+    int GetHighEnergyUnexpectedCount() const { return m_nHighEnergyUnexpectedCount; }
+    int GetInternalStandardEntry() const { return m_nInternalStandardEntry; }
+    double GetInternalStandardArea() const { return m_dInternalStandardArea; }
+    int GetMSMSCorrelationFirstEntry() const { return m_nMSMSCorrelationFirstEntry; }
+    int GetNumParentMasses() const { return m_nNumParentMasses; }
+    int CurrentFragment() const { return m_nCurrentFragment; }
+    void CurrentFragment(int fragment) { m_nCurrentFragment = fragment; }
+    int CurrentNeutralLoss() const { return m_nCurrentNeutralLoss; }
+    void CurrentNeutralLoss(int loss) { m_nCurrentNeutralLoss = loss; }
+
+    // Compounds, in file order.
+    int GetCompoundCount() const { return m_Compounds.GetSize(); }
+    // The compound at the index; null for an index outside the list.
+    CCompoundData* GetCompound(int index);
+    const CCompoundData* GetCompound(int index) const;
+    // The last compound; null when there is none.
+    CCompoundData* GetCompound();
+    // Appends a default compound; returns the new count.
+    int AddCompound();
+    // Appends a copy; returns its index.
+    int AddCompound(const CCompoundData& compound);
+
+    // Processing parameters of the "PARAMETERS" section.
+    CParametersData* GetParameters() { return &m_Parameters; }
+    const CParametersData* GetParameters() const { return &m_Parameters; }
+
+    // Mass defect filter: reference masses and parameter values, in file order.
+    const CDoubleArray* GetMDFMasses() const { return &m_MDFMasses; }
+    const CDoubleArray* GetMDFParams() const { return &m_MDFParams; }
+
+    // Section readers: each reads one nested section of the sample's block, from the line after
+    // its header to the close of its block.
+    int ReadCompound(CDelimitFile* file);          // rows of mass, formula, name; returns 1
+    int ReadParameters(CDelimitFile* file);        // returns 1
+    int ReadMDF(CDelimitFile* file);               // returns 0
+    int ReadDiagnosticSection(CDelimitFile* file); // read and discarded; returns 1
+
+    // One "COMPOUND" row (mass, formula, name; each optional), appended to the compounds.
+    int CompoundNewField(const CStringArray& row);
+    // One "MASS DEFECT FILTER" row: a lone value is a reference mass, a label and a value are a
+    // parameter. Returns 1.
+    int MDFNewField(const CStringArray& row);
+
+private:
+    // Stores one header field; 1 for a header identifier, 0 for any other.
+    int NewField(const CStringArray& input, int id);
+    // Hands a nested section to its reader by the section's identifier.
+    int NewParagraph(CDelimitFile* file, int id);
+
+    // Header.
+    int m_nNumber = 0;
+    CString m_strFileName;
+    CString m_strWell;
+    CString m_strPlateDescription;
+    CString m_strType;
+    CString m_strID;
+    CString m_strDescription;
+    CString m_strProcessParameters;
+    CString m_strInletFileName;
+    CString m_strMSMethodFileName;
+    CString m_strMSTuneFileName;
+    CString m_strInjectionVolume;
+    CString m_strSubjectTime;
+    CString m_strSubjectText;
+    CString m_strSubjectParent = "Unknown";
+    double m_dConcentration = 0.0;
+    CString m_strDate;
+    CString m_strTime;
+    bool m_bLockSprayEnabled = true;
+    bool m_bMUXEnabled = false;
+    CString m_strProcessingTime;
+    CString m_strProcessingInfo;
+    CString m_strProcessingWarning;
+    CString m_strJobCode;
+    CString m_strTaskCode;
+    CString m_strUserName;
+    CString m_strLabName;
+    CString m_strInstrument;
+    CString m_strConditions;
+    CString m_strSubmitter;
+
+    // State.
+    int m_nFileEntry = 0;
+    unsigned long m_ulFilePosStart = 0;
+    unsigned long m_ulFilePosEnd = 0;
+    CDivBroParams* m_pParams = nullptr;
+    CSampleData* m_pControlSample = nullptr;
+    bool m_bDuplicate = false;
+    bool m_bExpectedMetabolitesValid = false;
+    bool m_bUnexpectedMetabolitesValid = false;
+    bool m_bMSMSMetabolitesValid = false;
+    BYTE m_byMSMSModeDisplay = 0;
+    bool m_bElementalEnabled = false;
+    bool m_bMoleculeEnabled = false;
+    int m_nMoleculeDimensions = -1;
+    int m_nExpectedMetaboliteLastEntry = -1;
+    int m_nHighEnergyExpectedCount = 0;
+    int m_nHighEnergyUnexpectedCount = 0;
+    int m_nInternalStandardEntry = -1;
+    double m_dInternalStandardArea = 0.0;
+    int m_nMSMSCorrelationFirstEntry = 0;
+    int m_nNumParentMasses = 0;
+    int m_nCurrentFragment = -1;
+    int m_nCurrentNeutralLoss = -1;
+
+    // Owned sections.
+    CArray<CCompoundData> m_Compounds;
+    CParametersData m_Parameters;
+    CDoubleArray m_MDFMasses;
+    CDoubleArray m_MDFParams;
+};
+
+} // namespace quillon

@@ -1,0 +1,95 @@
+#include <quillon/acquisition/ParametersData.h>
+#include <quillon/file/DelimitFile.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+// Reads a "PARAMETERS" block (the lines after its header) into the parameters.
+void ReadBlock(CParametersData& parameters, const std::string& block) {
+    TempFile file;
+    file.Write(block);
+    CDelimitFile input(file.c_str(), CFile::modeRead);
+    EXPECT_EQ(parameters.Read(&input), TRUE);
+}
+
+std::vector<float> Values(const CFloatArray& array) {
+    return std::vector<float>(array.begin(), array.end());
+}
+
+} // namespace
+
+TEST(ParametersDataTest, ReadsEveryFieldWithItsConversion) {
+    CParametersData parameters;
+    ReadBlock(parameters, "{\n"
+                          "PeakFindMode\tApex Track\tignored\n"
+                          "PeakFindWindow\tabc\n"
+                          "SpectrumThresholdMode\tRelative\n"
+                          "SpectrumThreshold\t2.5\n"
+                          "PositiveAdducts\t1.0073\t22.9892\t38.9632\n"
+                          "NegativeAdducts\t-1.0073\n"
+                          "PeakFindThreshold\t1e3\n"
+                          "SigPeaks\t7.9\n"
+                          "Unknown\t5\n"
+                          "}\n");
+    EXPECT_EQ(parameters.PeakFindMode(), "Apex Track");
+    EXPECT_EQ(parameters.PeakFindWindow(), 0.0f);
+    EXPECT_EQ(parameters.SpectrumThresholdMode(), "Relative");
+    EXPECT_FLOAT_EQ(parameters.SpectrumThreshold(), 2.5f);
+    EXPECT_EQ(Values(parameters.PositiveAdducts()),
+              (std::vector<float>{1.0073f, 22.9892f, 38.9632f}));
+    EXPECT_EQ(Values(parameters.NegativeAdducts()), (std::vector<float>{-1.0073f}));
+    EXPECT_FLOAT_EQ(parameters.PeakFindThreshold(), 1000.0f);
+    EXPECT_EQ(parameters.SigPeaks(), 7);
+}
+
+TEST(ParametersDataTest, LaterListsReplaceEarlierOnesAndEmptyLinesChangeNothing) {
+    CParametersData parameters;
+    ReadBlock(parameters, "{\n"
+                          "PositiveAdducts\t1\t2\t3\n"
+                          "PositiveAdducts\t4\n"
+                          "NegativeAdducts\t5\t6\n"
+                          "NegativeAdducts\n"
+                          "SigPeaks\t3\n"
+                          "SigPeaks\n"
+                          "}\n");
+    EXPECT_EQ(Values(parameters.PositiveAdducts()), (std::vector<float>{4.0f}));
+    EXPECT_EQ(Values(parameters.NegativeAdducts()), (std::vector<float>{5.0f, 6.0f}));
+    EXPECT_EQ(parameters.SigPeaks(), 3);
+
+    CParametersData empty;
+    ReadBlock(empty, "{\n}\n");
+    EXPECT_EQ(empty.PeakFindMode(), "");
+    EXPECT_EQ(empty.PositiveAdducts().GetSize(), 0);
+    EXPECT_EQ(empty.SigPeaks(), 0);
+}
+
+TEST(ParametersDataTest, CopiesAndAccessorsAreIndependentOfTheirSource) {
+    CParametersData source;
+    CFloatArray adducts;
+    adducts.Add(1.5f);
+    source.PositiveAdductsSet(adducts);
+    adducts.Add(2.5f);
+    EXPECT_EQ(source.PositiveAdducts().GetSize(), 1);
+
+    CParametersData copy(source);
+    CFloatArray longer;
+    longer.Add(7.0f);
+    longer.Add(8.0f);
+    source.PositiveAdductsSet(longer);
+    source.SigPeaksSet(4);
+    EXPECT_EQ(Values(copy.PositiveAdducts()), (std::vector<float>{1.5f}));
+    EXPECT_EQ(copy.SigPeaks(), 0);
+
+    CFloatArray returned = copy.PositiveAdducts();
+    returned[0] = 9.0f;
+    EXPECT_EQ(Values(copy.PositiveAdducts()), (std::vector<float>{1.5f}));
+}
