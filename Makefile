@@ -1,0 +1,35 @@
+# Entry points for people and CI. Everything goes through the CMake presets.
+JOBS ?= $(shell nproc)
+
+.PHONY: all deps build test sanitize format-check bench clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+build: deps
+	cmake --preset dev
+	cmake --build --preset dev -j $(JOBS)
+
+# Configure, build and run the whole test suite.
+test: build
+	ctest --preset dev -j $(JOBS)
+
+# The test suite again, under AddressSanitizer and UndefinedBehaviorSanitizer.
+sanitize: deps
+	cmake --preset sanitize
+	cmake --build --preset sanitize -j $(JOBS)
+	ctest --preset sanitize -j $(JOBS)
+
+# Fails when a source of the project is not formatted with the repository's .clang-format.
+format-check: deps
+	git ls-files -z -- '*.h' '*.cpp' | xargs -0 -r clang-format --dry-run --Werror
+
+bench: deps
+	cmake --preset bench
+	cmake --build --preset bench -j $(JOBS)
+	@for b in build/bench/bench/quillon_*_bench; do [ -x "$$b" ] && "$$b"; done
+
+clean:
+	rm -rf build

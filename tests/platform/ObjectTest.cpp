@@ -1,0 +1,61 @@
+#include <quillon/file/DelimitFile.h>
+#include <quillon/file/FileRecord.h>
+#include <quillon/platform/HostHooks.h>
+
+#include <gtest/gtest.h>
+
+using namespace quillon;
+
+namespace {
+
+class CCreatable : public CObject {
+    QUILLON_DECLARE_DYNCREATE(CCreatable)
+public:
+    int m_value = 42;
+};
+
+QUILLON_IMPLEMENT_DYNCREATE(CCreatable, CObject)
+
+} // namespace
+
+TEST(ObjectTest, RuntimeClassesReportNamesAndBases) {
+    CDelimitFile file;
+    const CRuntimeClass* runtimeClass = file.GetRuntimeClass();
+    EXPECT_STREQ(runtimeClass->m_lpszClassName, "CDelimitFile");
+    EXPECT_STREQ(runtimeClass->m_pBaseClass->m_lpszClassName, "CStdioFileS");
+    EXPECT_TRUE(file.IsKindOf(QUILLON_RUNTIME_CLASS(CStdioFile)));
+    EXPECT_TRUE(file.IsKindOf(QUILLON_RUNTIME_CLASS(CObject)));
+    EXPECT_FALSE(file.IsKindOf(QUILLON_RUNTIME_CLASS(CFileRecord)));
+
+    CFileRecord record;
+    EXPECT_STREQ(record.GetRuntimeClass()->m_lpszClassName, "CFileRecord");
+    EXPECT_EQ(runtimeClass->CreateObject(), nullptr);
+}
+
+TEST(ObjectTest, DynamicCreationMakesDefaultObjects) {
+    CObject* created = QUILLON_RUNTIME_CLASS(CCreatable)->CreateObject();
+    ASSERT_NE(created, nullptr);
+    ASSERT_TRUE(created->IsKindOf(QUILLON_RUNTIME_CLASS(CCreatable)));
+    EXPECT_EQ(static_cast<CCreatable*>(created)->m_value, 42);
+    delete created;
+}
+
+TEST(ObjectTest, MessagesGoThroughTheHostHook) {
+    CString shownText, shownTitle;
+    MessageIcon shownIcon = MessageIcon::Information;
+    SetHostHooks({.showMessage = [&](const CString& text, const CString& title, MessageIcon icon) {
+        shownText = text;
+        shownTitle = title;
+        shownIcon = icon;
+        return 7;
+    }});
+    EXPECT_EQ(ShowMessage("Something", "Title", MessageIcon::Exclamation), 7);
+    EXPECT_EQ(shownText, "Something");
+    EXPECT_EQ(shownTitle, "Title");
+    EXPECT_EQ(shownIcon, MessageIcon::Exclamation);
+
+    SetHostHooks({});
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(ShowMessage("Default", "Box", MessageIcon::Error), kMessageOk);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Box: Default\n");
+}
