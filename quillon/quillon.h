@@ -19,6 +19,10 @@
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
 
+#include <quillon/acquisition/ChromatoData.h>
+#include <quillon/acquisition/ChromatogramPeak.h>
+#include <quillon/acquisition/PeakData.h>
+#include <quillon/acquisition/PeakList.h>
 #include <quillon/acquisition/TraceType.h>
 
 #include <quillon/fragments/NeutralLossEntry.h>

@@ -1,0 +1,7 @@
+#include <quillon/acquisition/PeakData.h>
+
+namespace quillon {
+
+QUILLON_IMPLEMENT_DYNAMIC(CPeakData, CObject)
+
+} // namespace quillon

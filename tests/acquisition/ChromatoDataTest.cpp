@@ -1,0 +1,440 @@
+#include <quillon/acquisition/ChromatoData.h>
+
+#include <quillon/platform/ChartSettings.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+// Reads the block of a "CHROMATOGRAM" section (its header already consumed by the parent) into
+// the given trace.
+void ReadInto(CChromatoData& trace, const std::string& block) {
+    TempFile report;
+    report.Write(block);
+    CDelimitFile file(report.c_str(), CFile::modeRead);
+    EXPECT_EQ(trace.Read(&file), TRUE);
+}
+
+using Points = std::vector<std::pair<double, double>>;
+
+Points PointsOf(const CChromatoData& trace) {
+    Points points;
+    CPeakData point;
+    for (int i = 0; trace.GetPeak(i, point); ++i)
+        points.emplace_back(point.GetMass(), point.GetIntensity());
+    return points;
+}
+
+// A trace with the given times and intensities.
+CChromatoData TraceOf(const std::vector<float>& times, const std::vector<float>& intensities) {
+    CChromatoData trace;
+    trace.AddTimeIntensity(times.data(), intensities.data(), static_cast<int>(times.size()));
+    return trace;
+}
+
+CChromatogramPeak PeakAt(float time, double start, double end, int id = 0) {
+    CChromatogramPeak peak;
+    peak.SetPeakID(id);
+    peak.SetTime(time);
+    peak.GetChromatPeakData()->SetStartTime(start);
+    peak.GetChromatPeakData()->SetEndTime(end);
+    return peak;
+}
+
+// Chart settings of a host: scaling 4, offset 10, units "mAU".
+class HostChartSettings final : public CChartSettings {
+public:
+    CString GetDefaultCustomChartParams(const char* description) const override {
+        return CString("default:") + description;
+    }
+    CString GetCustomChartDADParams() const override { return "dad"; }
+    CString GetCustomChartUnits(const char* params) const override {
+        return CString("mAU for ") + params;
+    }
+    float GetCustomChartScaling(const char*) const override { return 4.0f; }
+    float GetCustomChartOffset(const char*) const override { return 10.0f; }
+    int GetCustomChartVerticalAxisDecimalDigits(const char*) const override { return 2; }
+    int GetCustomChartHeaderDecimalDigits(const char*) const override { return 3; }
+    int GetCustomChartUseScientificNotation(const char*) const override { return 1; }
+};
+
+// Installs host chart settings for the life of the object.
+class ScopedChartSettings {
+public:
+    explicit ScopedChartSettings(const CChartSettings& settings) { SetChartSettings(&settings); }
+    ~ScopedChartSettings() { SetChartSettings(nullptr); }
+};
+
+} // namespace
+
+TEST(ChromatoDataTest, ReadsFieldsPointsAndPeaks) {
+    CChromatoData trace;
+    ReadInto(trace, "{\n"
+                    "Description\tES+ 455.2:455.2\n"
+                    "ProcDesc\tSmoothed\n"
+                    "MaxIntensity\t2000\n"
+                    "TraceNumber\t5\n"
+                    "TraceNumberInFunction\t2\n"
+                    "Unknown\tvalue\n"
+                    "[TRACE]\n{\n"
+                    "0.52\t1200\textra\n"
+                    "0.60\n"
+                    "0.70\t1300\n"
+                    "}\n"
+                    "[PEAK]\n{\nPeak ID\t1\nTime\t0.6\n}\n"
+                    "[OTHER]\n{\n[TRACE]\n{\n9\t9\n}\n}\n"
+                    "[TRACE]\n{\n0.80\t1400\n}\n"
+                    "[PEAK]\n{\nPeak ID\t2\n}\n"
+                    "}\n"
+                    "Description\tafter the block\n");
+    EXPECT_EQ(trace.GetDescription(), "ES+ 455.2:455.2");
+    EXPECT_EQ(trace.GetProcDesc(), "Smoothed");
+    float maxIntensity = 0;
+    trace.GetMaxIntensity(maxIntensity);
+    EXPECT_FLOAT_EQ(maxIntensity, 2000.0f);
+    EXPECT_EQ(trace.GetTraceNumber(), 5);
+    EXPECT_EQ(trace.GetTraceNumberInFunction(), 2);
+    EXPECT_EQ(trace.GetFunctionNumber(), -1);
+    EXPECT_EQ(trace.UseCustomChartParams(), 0);
+    // The short line is skipped; the second "TRACE" section appends.
+    EXPECT_EQ(PointsOf(trace), (Points{{0.52f, 1200}, {0.70f, 1300}, {0.80f, 1400}}));
+    ASSERT_EQ(trace.GetNumberOfListPeaks(), 2);
+    EXPECT_EQ(trace.GetChromatPeakData(0)->GetPeakID(), 1);
+    EXPECT_FLOAT_EQ(trace.GetChromatPeakData(0)->GetTime(), 0.6f);
+    EXPECT_EQ(trace.GetChromatPeakData(1)->GetPeakID(), 2);
+    EXPECT_EQ(trace.GetChromatPeakData(2), nullptr);
+    EXPECT_EQ(trace.GetChromatPeakData(-1), nullptr);
+}
+
+TEST(ChromatoDataTest, PercentScalingUsesTheMaxIntensityReadSoFar) {
+    // The parameters field switches scaling on; the maximum intensity must come before the points.
+    CChromatoData trace;
+    ReadInto(trace, "{\nCustomChartParameters\tp=1\nMaxIntensity\t2000\n"
+                    "[TRACE]\n{\n1.0\t50\n}\n}\n");
+    EXPECT_EQ(trace.UseCustomChartParams(), 1);
+    EXPECT_FALSE(trace.UseDefaultChartParams());
+    EXPECT_EQ(trace.GetCustomChartParams(), "p=1");
+    EXPECT_EQ(PointsOf(trace), (Points{{1.0, 1000.0}}));
+
+    // Points read before the maximum intensity are scaled with the 0 it had then.
+    CChromatoData late;
+    ReadInto(late, "{\nCustomChartParameters\tp=1\n[TRACE]\n{\n1.0\t50\n}\n"
+                   "MaxIntensity\t2000\n[TRACE]\n{\n2.0\t25\n}\n}\n");
+    EXPECT_EQ(PointsOf(late), (Points{{1.0, 0.0}, {2.0, 500.0}}));
+
+    // A diode-array trace has the flag before reading begins; without it nothing is scaled.
+    CChromatoData diodeArray;
+    diodeArray.SetUsesCustomChartParams(1);
+    ReadInto(diodeArray, "{\nMaxIntensity\t400\n[TRACE]\n{\n1.0\t50\n}\n}\n");
+    EXPECT_EQ(PointsOf(diodeArray), (Points{{1.0, 200.0}}));
+
+    CChromatoData plain;
+    ReadInto(plain, "{\nMaxIntensity\t400\n[TRACE]\n{\n1.0\t50\n}\n}\n");
+    EXPECT_EQ(PointsOf(plain), (Points{{1.0, 50.0}}));
+}
+
+TEST(ChromatoDataTest, ContinuesASectionWithTheCallersRecord) {
+    // A continuation section names its trace on its first line; the caller reads that line and
+    // hands its record on, and reading stops at the section's own block end.
+    TempFile report;
+    report.Write("{\nTraceNumber\t5\n[TRACE]\n{\n3.0\t30\n}\n}\nDescription\tnext\n");
+    CDelimitFile file(report.c_str(), CFile::modeRead);
+    CFileRecord record;
+    ASSERT_EQ(record.Read(&file), 1);
+    EXPECT_EQ((*record.GetInput())[1], "5");
+
+    CChromatoData trace = TraceOf({1.0f, 2.0f}, {10.0f, 20.0f});
+    trace.SetDescription("kept");
+    trace.Read(&file, record);
+    EXPECT_EQ(PointsOf(trace), (Points{{1.0, 10.0}, {2.0, 20.0}, {3.0, 30.0}}));
+    EXPECT_EQ(trace.GetDescription(), "kept");
+}
+
+TEST(ChromatoDataTest, AddsAndReplacesPoints) {
+    const float times[] = {1.0f, 2.0f, 3.0f};
+    const float intensities[] = {5.0f, 6.0f, 7.0f};
+    CChromatoData trace;
+    EXPECT_EQ(trace.AddTimeIntensity(nullptr, intensities, 3), FALSE);
+    EXPECT_EQ(trace.AddTimeIntensity(times, nullptr, 3), FALSE);
+    EXPECT_EQ(trace.AddTimeIntensity(times, intensities, 0), TRUE);
+    EXPECT_EQ(trace.GetNumPeaks(), 0);
+    EXPECT_EQ(trace.AddTimeIntensity(times, intensities, 2), TRUE);
+    EXPECT_EQ(trace.AddTimeIntensity(times + 2, intensities + 2, 1), TRUE);
+    EXPECT_EQ(PointsOf(trace), (Points{{1, 5}, {2, 6}, {3, 7}}));
+
+    EXPECT_FALSE(trace.SetTimeIntensity(times, nullptr, 1));
+    EXPECT_EQ(trace.GetNumPeaks(), 3);
+    EXPECT_TRUE(trace.SetTimeIntensity(times + 1, intensities + 1, 2));
+    EXPECT_EQ(PointsOf(trace), (Points{{2, 6}, {3, 7}}));
+
+    CPeakData point(9, 9);
+    EXPECT_EQ(trace.GetPeak(2, point), FALSE);
+    EXPECT_EQ(trace.GetPeak(-1, point), FALSE);
+    EXPECT_DOUBLE_EQ(point.GetMass(), 9.0);
+}
+
+TEST(ChromatoDataTest, ClassifiesTraces) {
+    CChromatoData trace;
+    trace.SetDescription("Diode Array TIC");
+    EXPECT_TRUE(trace.IsTIC());
+    EXPECT_FALSE(trace.IsMassChromatogram());
+    trace.SetDescription("TAC");
+    EXPECT_TRUE(trace.IsTIC());
+    trace.SetDescription("tic");
+    EXPECT_FALSE(trace.IsTIC());
+
+    trace.SetDescription("ES+ Mass:455.2");
+    EXPECT_TRUE(trace.IsMassChromatogram());
+    trace.SetDescription("455.2");
+    EXPECT_TRUE(trace.IsMassChromatogram());
+    trace.SetDescription("12:30:");
+    EXPECT_FALSE(trace.IsMassChromatogram());
+    trace.SetDescription("ES+ Mass:455.2");
+    trace.SetTraceType(ANALOG_TRACE);
+    EXPECT_FALSE(trace.IsMassChromatogram());
+    EXPECT_TRUE(trace.IsAnalog());
+    EXPECT_FALSE(trace.IsMS());
+    trace.SetTraceType(PDA_TRACE);
+    EXPECT_TRUE(trace.IsPDA());
+    EXPECT_TRUE(trace.IsMassChromatogram());
+
+    trace.SetCombinedTraceNumber(7);
+    EXPECT_EQ(trace.GetTraceNumber(), 7);
+    EXPECT_EQ(trace.GetFunctionNumber(), -100);
+}
+
+TEST(ChromatoDataTest, DataAndIntensityRanges) {
+    const CChromatoData trace = TraceOf({0.0f, 0.5f, 1.0f, 1.5f, -2.0f}, {5, 0, 30, 20, 40});
+    float low = -1, high = -1;
+    EXPECT_EQ(trace.GetDataRange(low, high), TRUE);
+    // A first time of 0 counts as unset, so the next time becomes the low.
+    EXPECT_FLOAT_EQ(low, -2.0f);
+    EXPECT_FLOAT_EQ(high, 1.5f);
+    const CChromatoData positive = TraceOf({0.0f, 0.5f, 1.0f}, {1, 1, 1});
+    positive.GetDataRange(low, high);
+    EXPECT_FLOAT_EQ(low, 0.5f);
+    EXPECT_FLOAT_EQ(high, 1.0f);
+
+    // The 0 intensity at 0.5 is taken as the low, then counts as unset for the next point.
+    EXPECT_EQ(trace.GetIntensityRange(0.5f, 1.5f, low, high), 3);
+    EXPECT_FLOAT_EQ(low, 20.0f);
+    EXPECT_FLOAT_EQ(high, 30.0f);
+    EXPECT_EQ(trace.GetIntensityRange(1.5f, 0.5f, low, high), 0);
+    EXPECT_FLOAT_EQ(low, 0.0f);
+    EXPECT_FLOAT_EQ(high, 0.0f);
+    EXPECT_EQ(CChromatoData().GetIntensityRange(0, 10, low, high), 0);
+}
+
+TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
+    CChromatoData source = TraceOf({1, 2}, {3, 4});
+    source.SetDescription("TIC");
+    source.SetProcDesc("raw");
+    source.SetMaxintensity("4.5");
+    source.SetFunctionNumber(3);
+    source.SetTraceType(PDA_TRACE);
+    source.SetCustomChartParams("p");
+    source.SetUsesCustomChartParams(1);
+    source.CombinedTraceNeedsData(true);
+    source.SetHasPrinted(1);
+    source.AddChromatogramPeak(PeakAt(1.5f, 1.0, 2.0, 8));
+
+    CChromatoData copy(source);
+    EXPECT_EQ(copy.GetDescription(), "TIC");
+    EXPECT_EQ(copy.GetProcDesc(), "raw");
+    float maxIntensity = 0;
+    copy.GetMaxIntensity(maxIntensity);
+    EXPECT_FLOAT_EQ(maxIntensity, 4.5f);
+    EXPECT_EQ(copy.GetFunctionNumber(), 3);
+    EXPECT_TRUE(copy.IsPDA());
+    EXPECT_EQ(copy.GetCustomChartParams(), "p");
+    EXPECT_EQ(copy.UseCustomChartParams(), 1);
+    EXPECT_TRUE(copy.CombinedTraceNeedsData());
+    EXPECT_EQ(copy.GetHasPrinted(), 0);
+    EXPECT_EQ(PointsOf(copy), PointsOf(source));
+    ASSERT_EQ(copy.GetNumberOfListPeaks(), 1);
+    copy.GetChromatPeakData(0)->GetChromatPeakData()->SetEndTime(9.0);
+    EXPECT_DOUBLE_EQ(source.GetChromatPeakData(0)->GetChromatPeakData()->GetEndTime(), 2.0);
+
+    CChromatoData assigned;
+    assigned.SetHasPrinted(5);
+    assigned = source;
+    EXPECT_EQ(assigned.GetHasPrinted(), 5);
+    EXPECT_EQ(assigned.GetNumPeaks(), 2);
+
+    // Resetting empties the trace and restores its defaults.
+    assigned.Initialise(nullptr);
+    EXPECT_EQ(assigned.GetNumPeaks(), 0);
+    EXPECT_EQ(assigned.GetNumberOfListPeaks(), 0);
+    EXPECT_EQ(assigned.GetTraceNumber(), -1);
+    EXPECT_EQ(assigned.GetFunctionNumber(), -1);
+    EXPECT_TRUE(assigned.IsMS());
+    EXPECT_FALSE(assigned.CombinedTraceNeedsData());
+    EXPECT_EQ(assigned.GetCustomChartParams(), "");
+    EXPECT_EQ(assigned.GetHasPrinted(), 5);
+}
+
+TEST(ChromatoDataTest, ChartSettingsComeFromTheHost) {
+    CChromatoData neutral;
+    neutral.SetMaxintensity(200.0f);
+    CString units = "x";
+    neutral.GetCustomUnits(units);
+    EXPECT_EQ(units, "");
+    EXPECT_EQ(neutral.GetCustomYDecimalDigits(), 0);
+    EXPECT_EQ(neutral.GetCustomHeaderDecimalDigits(), 0);
+    EXPECT_FLOAT_EQ(neutral.GetCustomOffset(), 0.0f);
+    EXPECT_FLOAT_EQ(neutral.GetCustomScaling(), 1.0f);
+    EXPECT_EQ(neutral.GetCustomUseScientificNotation(), 0);
+    EXPECT_FLOAT_EQ(neutral.GetScaledMaxIntensity(), 200.0f);
+
+    const HostChartSettings host;
+    const ScopedChartSettings installed(host);
+    CChromatoData trace;
+    EXPECT_EQ(trace.GetCustomChartParams(), "default:");
+    trace.SetCustomChartParams("p");
+    trace.SetMaxintensity(200.0f);
+    trace.GetCustomUnits(units);
+    EXPECT_EQ(units, "mAU for p");
+    EXPECT_EQ(trace.GetCustomYDecimalDigits(), 2);
+    EXPECT_EQ(trace.GetCustomHeaderDecimalDigits(), 3);
+    EXPECT_EQ(trace.GetCustomUseScientificNotation(), 1);
+    EXPECT_FLOAT_EQ(trace.GetScaledMaxIntensity(), 60.0f);
+}
+
+TEST(ChromatoDataTest, MaxIntensityFindsPeakAndValley) {
+    const CChromatoData trace =
+        TraceOf({1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f}, {50, 500, 60, 60, 900, 40});
+    float highest, lowest, timeOfHighest, timeOfLowest;
+
+    // The window 2..5: the first of two equal lows wins, the lowest itself comes back as 0.
+    EXPECT_EQ(trace.GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, 2.0f, 5.0f),
+              TRUE);
+    EXPECT_FLOAT_EQ(highest, 900.0f);
+    EXPECT_FLOAT_EQ(timeOfHighest, 5.0f);
+    EXPECT_FLOAT_EQ(timeOfLowest, 3.0f);
+    EXPECT_FLOAT_EQ(lowest, 0.0f);
+
+    // from equal to to looks at every point.
+    trace.GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, 3.0f, 3.0f);
+    EXPECT_FLOAT_EQ(timeOfHighest, 5.0f);
+    EXPECT_FLOAT_EQ(timeOfLowest, 6.0f);
+
+    // No point in the window below 100: the valley stays at the window's midpoint.
+    const CChromatoData high = TraceOf({1, 2, 3}, {1000, 150, 800});
+    high.GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, 1.0f, 3.0f);
+    EXPECT_FLOAT_EQ(timeOfLowest, 2.0f);
+    high.GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, 1.0f, 2.5f);
+    EXPECT_FLOAT_EQ(timeOfLowest, 1.75f);
+
+    // With custom chart parameters the search starts from the scaled maximum intensity.
+    CChromatoData custom = high;
+    custom.SetUsesCustomChartParams(1);
+    custom.SetMaxintensity(1000.0f);
+    custom.GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, 1.0f, 2.5f);
+    EXPECT_FLOAT_EQ(timeOfLowest, 2.0f);
+
+    // No points: everything 0, both times at the midpoint.
+    CChromatoData().GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, 2.0f, 4.0f);
+    EXPECT_FLOAT_EQ(highest, 0.0f);
+    EXPECT_FLOAT_EQ(lowest, 0.0f);
+    EXPECT_FLOAT_EQ(timeOfHighest, 3.0f);
+    EXPECT_FLOAT_EQ(timeOfLowest, 3.0f);
+}
+
+TEST(ChromatoDataTest, NearestPointPrefersTheLaterOnATie) {
+    const CChromatoData trace = TraceOf({1.0f, 2.0f, 3.0f}, {10, 20, 30});
+    int index = 2;
+    EXPECT_DOUBLE_EQ(trace.GetNearestPeak(&index, 2.5f).GetIntensity(), 30.0);
+    EXPECT_EQ(index, 2);
+    EXPECT_DOUBLE_EQ(trace.GetNearestPeak(&index, 2.4f).GetIntensity(), 20.0);
+    EXPECT_EQ(index, 1);
+    // Before the first point the missing neighbour counts as time 0.
+    index = 0;
+    EXPECT_DOUBLE_EQ(trace.GetNearestPeak(&index, 0.4f).GetMass(), 0.0);
+    EXPECT_EQ(index, -1);
+    // Past the last point the missing point counts as time 0.
+    index = 3;
+    EXPECT_DOUBLE_EQ(trace.GetNearestPeak(&index, 2.9f).GetMass(), 3.0);
+    EXPECT_EQ(index, 2);
+    EXPECT_DOUBLE_EQ(trace.GetNearestPeak(nullptr, 1.0f).GetMass(), 0.0);
+}
+
+TEST(ChromatoDataTest, SortsPeaksAndTrimsOverlapsAtTheValley) {
+    // Valley at 3.0 between apexes at 2.0 and 4.0; another at 6.0 between 4.0 and 7.0.
+    CChromatoData trace = TraceOf({1, 2, 3, 4, 5, 6, 7, 8}, {10, 500, 40, 700, 300, 20, 600, 5});
+    trace.AddChromatogramPeak(PeakAt(7.0f, 5.5, 8.0, 3));
+    trace.AddChromatogramPeak(PeakAt(-2.0f, 1.0, 3.5, 1));
+    trace.AddChromatogramPeak(PeakAt(4.0f, 2.5, 6.5, 2));
+    trace.SortChromatogramPeaks();
+
+    ASSERT_EQ(trace.GetNumberOfListPeaks(), 3);
+    const CChromatogramPeak& first = *trace.GetChromatPeakData(0);
+    const CChromatogramPeak& second = *trace.GetChromatPeakData(1);
+    const CChromatogramPeak& third = *trace.GetChromatPeakData(2);
+    EXPECT_EQ(first.GetPeakID(), 1);
+    EXPECT_EQ(second.GetPeakID(), 2);
+    EXPECT_EQ(third.GetPeakID(), 3);
+    // The middle peak is cut at its start by the first pair and at its end by the second.
+    EXPECT_DOUBLE_EQ(first.GetChromatPeakData()->GetEndTime(), 3.0);
+    EXPECT_DOUBLE_EQ(second.GetChromatPeakData()->GetStartTime(), 3.0);
+    EXPECT_DOUBLE_EQ(second.GetChromatPeakData()->GetEndTime(), 6.0);
+    EXPECT_DOUBLE_EQ(third.GetChromatPeakData()->GetStartTime(), 6.0);
+    EXPECT_DOUBLE_EQ(third.GetChromatPeakData()->GetEndTime(), 8.0);
+    EXPECT_FLOAT_EQ(first.GetWidth(), 2.0f);
+    EXPECT_FLOAT_EQ(second.GetWidth(), 3.0f);
+    EXPECT_FLOAT_EQ(third.GetWidth(), 2.0f);
+}
+
+TEST(ChromatoDataTest, SortKeepsEqualTimesAndLeavesSeparatePeaksAlone) {
+    CChromatoData trace = TraceOf({1, 2, 3, 4}, {10, 500, 300, 400});
+    trace.AddChromatogramPeak(PeakAt(2.0f, 1.5, 2.5, 1));
+    trace.AddChromatogramPeak(PeakAt(-1.5f, 1.0, 1.5, 2));
+    trace.AddChromatogramPeak(PeakAt(-2.0f, 2.5, 2.5, 3));
+    // Overlapping, but no point below 100 between the apexes: cut at the midpoint.
+    trace.AddChromatogramPeak(PeakAt(4.0f, 2.4, 4.5, 4));
+    trace.SortChromatogramPeaks();
+
+    std::vector<int> order;
+    for (int i = 0; i < trace.GetNumberOfListPeaks(); ++i)
+        order.push_back(trace.GetChromatPeakData(i)->GetPeakID());
+    EXPECT_EQ(order, (std::vector<int>{2, 1, 3, 4}));
+    // Touching but not overlapping extents keep their ends and widths.
+    EXPECT_DOUBLE_EQ(trace.GetChromatPeakData(0)->GetChromatPeakData()->GetEndTime(), 1.5);
+    EXPECT_DOUBLE_EQ(trace.GetChromatPeakData(1)->GetChromatPeakData()->GetEndTime(), 2.5);
+    EXPECT_FLOAT_EQ(trace.GetChromatPeakData(1)->GetWidth(), 0.0f);
+    EXPECT_DOUBLE_EQ(trace.GetChromatPeakData(2)->GetChromatPeakData()->GetEndTime(), 3.0);
+    EXPECT_DOUBLE_EQ(trace.GetChromatPeakData(3)->GetChromatPeakData()->GetStartTime(), 3.0);
+}
+
+TEST(ChromatoDataTest, PeakDataCutsThePointsToAnExtent) {
+    const CChromatoData trace = TraceOf({1.0f, 1.5f, 2.0f, 2.5f, 3.0f}, {1, 2, 3, 4, 5});
+    CArray<float> times, intensities;
+    times.Add(99.0f);
+    EXPECT_EQ(trace.GetPeakData(times, intensities, CPeakList(1.5, 2.5, 0, 0)), 3);
+    ASSERT_EQ(times.GetSize(), 3);
+    EXPECT_FLOAT_EQ(times[0], 1.5f);
+    EXPECT_FLOAT_EQ(times[2], 2.5f);
+    EXPECT_FLOAT_EQ(intensities[1], 3.0f);
+    EXPECT_EQ(trace.GetPeakData(times, intensities, CPeakList(5.0, 4.0, 0, 0)), 0);
+    EXPECT_EQ(intensities.GetSize(), 0);
+}
+
+TEST(ChromatoDataTest, AddingAPeakWithoutDuplicates) {
+    CChromatoData trace;
+    EXPECT_EQ(trace.AddChromatogramPeak(), 0);
+    EXPECT_EQ(trace.AddChromatogramPeak(PeakAt(1.0f, 0, 2, 5), true), 1);
+    EXPECT_EQ(trace.AddChromatogramPeak(PeakAt(1.5f, 0, 2, 5), false), 1);
+    EXPECT_EQ(trace.AddChromatogramPeak(PeakAt(1.5f, 0, 2, 5), true), 2);
+    EXPECT_EQ(trace.AddChromatogramPeak(PeakAt(1.5f, 0, 2, 6), false), 3);
+    EXPECT_EQ(trace.GetNumberOfListPeaks(), 4);
+    trace.ClearChromatogramPeaks();
+    EXPECT_EQ(trace.GetNumberOfListPeaks(), 0);
+}

@@ -1,0 +1,119 @@
+#include <quillon/acquisition/ChromatogramPeak.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+// Reads a peak from the block of a "PEAK" section (the header already consumed by the parent).
+CChromatogramPeak ReadPeak(const std::string& block) {
+    TempFile report;
+    report.Write(block);
+    CDelimitFile file(report.c_str(), CFile::modeRead);
+    CChromatogramPeak peak;
+    EXPECT_EQ(peak.Read(&file), TRUE);
+    return peak;
+}
+
+} // namespace
+
+TEST(ChromatogramPeakTest, ReadsEveryFieldOfAPeakSection) {
+    const CChromatogramPeak peak = ReadPeak("{\n"
+                                            "Peak ID\t12\n"
+                                            "Peak Cluster ID\t3\n"
+                                            "Time\t4.25\n"
+                                            "Peak\t4.1\t4.6\n"
+                                            "Intensity\t120.5\t80.25\n"
+                                            "AreaAbs\t5400.5\n"
+                                            "Height\t900\n"
+                                            "Width\t0.5\n"
+                                            "Peak Ref\t7\n"
+                                            "Unknown\t99\n"
+                                            "[NESTED]\n{\nPeak ID\t55\n}\n"
+                                            "}\n"
+                                            "Peak ID\t66\n");
+    EXPECT_EQ(peak.GetPeakID(), 12);
+    EXPECT_EQ(peak.GetPeakClusterID(), 3);
+    EXPECT_FLOAT_EQ(peak.GetTime(), 4.25f);
+    EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetStartTime(), 4.1);
+    EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetEndTime(), 4.6);
+    EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetStartIntensity(), 120.5);
+    EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetEndIntensity(), 80.25);
+    EXPECT_FLOAT_EQ(peak.GetAreaAbs(), 5400.5f);
+    EXPECT_FLOAT_EQ(peak.GetHeight(), 900.0f);
+    EXPECT_FLOAT_EQ(peak.GetWidth(), 0.5f);
+    EXPECT_EQ(peak.GetPeakRef(), 7);
+    // Not read from the report: left at their defaults.
+    EXPECT_FLOAT_EQ(peak.GetAreaPercentTotal(), 0.0f);
+    EXPECT_DOUBLE_EQ(peak.GetRelativeArea(), 0.0);
+    EXPECT_EQ(peak.GetConfirmationTest(nullptr), -1);
+}
+
+TEST(ChromatogramPeakTest, ExtentLinesNeedTwoValues) {
+    const CChromatogramPeak peak = ReadPeak("{\n"
+                                            "Peak\t4.1\n"
+                                            "Intensity\t120\n"
+                                            "Time\tabc\n"
+                                            "Peak ID\n"
+                                            "}\n");
+    const CPeakList& extent = *peak.GetChromatPeakData();
+    EXPECT_DOUBLE_EQ(extent.GetStartTime(), 0.0);
+    EXPECT_DOUBLE_EQ(extent.GetEndTime(), 0.0);
+    EXPECT_DOUBLE_EQ(extent.GetStartIntensity(), 0.0);
+    EXPECT_EQ(extent.GetFound(), 0);
+    EXPECT_EQ(extent.GetID(), -1);
+    EXPECT_FLOAT_EQ(peak.GetTime(), 0.0f);
+    EXPECT_EQ(peak.GetPeakID(), 0);
+}
+
+TEST(ChromatogramPeakTest, ConfirmationTestFailsOnlyOnZero) {
+    CChromatogramPeak peak;
+    CString text = "stale";
+    EXPECT_FALSE(peak.HasTestFailed(&text));
+    EXPECT_EQ(text, "");
+
+    peak.SetConfirmationTest(0, nullptr);
+    text = "stale";
+    EXPECT_TRUE(peak.HasTestFailed(&text));
+    EXPECT_EQ(text, "");
+
+    peak.SetConfirmationTest(1, "ratio ok");
+    EXPECT_FALSE(peak.HasTestFailed(nullptr));
+    EXPECT_EQ(peak.GetConfirmationTest(&text), 1);
+    EXPECT_EQ(text, "ratio ok");
+}
+
+TEST(ChromatogramPeakTest, CopiesOwnTheirExtent) {
+    CChromatogramPeak source;
+    source.SetPeakID(4);
+    source.SetPeakClusterID("17");
+    source.SetConfirmationTest(0, "missing isotope");
+    *source.GetChromatPeakData() = CPeakList(1.0, 2.0, 30.0, 40.0, 1, 9);
+
+    CChromatogramPeak copy(source);
+    copy.GetChromatPeakData()->SetStartTime(1.5);
+    EXPECT_DOUBLE_EQ(source.GetChromatPeakData()->GetStartTime(), 1.0);
+    EXPECT_DOUBLE_EQ(copy.GetChromatPeakData()->GetEndTime(), 2.0);
+    EXPECT_EQ(copy.GetChromatPeakData()->GetID(), 9);
+    EXPECT_EQ(copy.GetPeakID(), 4);
+    CString text;
+    EXPECT_TRUE(copy.HasTestFailed(&text));
+    EXPECT_EQ(text, "missing isotope");
+
+    CChromatogramPeak assigned;
+    assigned = source;
+    assigned.GetChromatPeakData()->SetEndTime(3.0);
+    EXPECT_DOUBLE_EQ(source.GetChromatPeakData()->GetEndTime(), 2.0);
+    EXPECT_EQ(assigned.GetPeakClusterID(), 17);
+
+    CString label;
+    assigned.GetPeakAnnotationLabel(label);
+    EXPECT_EQ(label, "17");
+    EXPECT_STREQ(assigned.GetRuntimeClass()->m_lpszClassName, "CChromatogramPeak");
+}
