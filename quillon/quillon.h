@@ -21,8 +21,11 @@
 
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/ChromatogramPeak.h>
+#include <quillon/acquisition/MassesData.h>
 #include <quillon/acquisition/PeakData.h>
 #include <quillon/acquisition/PeakList.h>
+#include <quillon/acquisition/ResultsData.h>
+#include <quillon/acquisition/SpectrumData.h>
 #include <quillon/acquisition/TraceType.h>
 
 #include <quillon/fragments/NeutralLossEntry.h>
