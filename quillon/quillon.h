@@ -10,6 +10,7 @@
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
+#include <quillon/platform/ProcessInfo.h>
 #include <quillon/platform/ProfileFile.h>
 #include <quillon/platform/StdioFile.h>
 #include <quillon/platform/StdioFileS.h>
@@ -22,6 +23,7 @@
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/ChromatogramPeak.h>
 #include <quillon/acquisition/MassesData.h>
+#include <quillon/acquisition/ParametersData.h>
 #include <quillon/acquisition/PeakData.h>
 #include <quillon/acquisition/PeakList.h>
 #include <quillon/acquisition/ResultsData.h>
@@ -34,6 +36,6 @@
 
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/Compounds.h>
-#include <quillon/acquisition/ParametersData.h>
 
 #include <quillon/document/SampleData.h>
+#include <quillon/document/Samples.h>

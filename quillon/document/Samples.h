@@ -1,0 +1,96 @@
+#pragma once
+
+#include <quillon/document/SampleData.h>
+#include <quillon/platform/Array.h>
+#include <quillon/platform/Object.h>
+
+#include <vector>
+
+namespace quillon {
+
+class CDelimitFile;
+class CDivBroParams;
+
+// The report document: every sample of one report file, kept in ascending order of sample number.
+// It reads a whole report, links samples to their control samples, and writes an updated report by
+// copying the file it was read from while dropping duplicate samples.
+class CSamples : public CObject {
+    QUILLON_DECLARE_DYNAMIC(CSamples)
+
+public:
+    CSamples() = default;
+    // Copies every sample; a link to a control sample of the source collection is turned into a
+    // link to the copy of that control.
+    CSamples(const CSamples& source);
+    CSamples(CSamples&& source) = default;
+    CSamples& operator=(const CSamples& source);
+    CSamples& operator=(CSamples&& source) = default;
+    ~CSamples() override = default;
+
+    // Opens the report file read-only and reads it; 0 when it cannot be opened, otherwise 1.
+    int Read(const char* path);
+    // Reads every "[SAMPLE]" and "SAMPLE_APPEND" section to the end of the file, then links the
+    // control samples. Returns 1.
+    int Read(CDelimitFile* file);
+    // Reads one sample section (the header line has just been read) into a new sample placed in
+    // number order; returns its index. A failure while reading is shown through the message
+    // hook, the sample is discarded and the result is the last index.
+    int ReadSample(CDelimitFile* file);
+    // Reads a continuation section into the last sample (the highest number), or into a new
+    // sample when there is none yet; returns the last index. Failures as for ReadSample.
+    int AppendSample(CDelimitFile* file);
+
+    // Appends a default sample at the end; returns the new size.
+    int AddSample();
+    // Inserts the sample before the first one with a greater number (so equal numbers stay in
+    // the order they came), after setting its file entry to the current size; returns its index.
+    int AddSample(const CSampleData& sample);
+    int AddSample(CSampleData&& sample);
+    void DeleteAll();
+
+    int GetSamplesCount() const { return m_Samples.GetSize(); }
+    // The sample at the index; null for an index outside the collection.
+    CSampleData* GetSample(int index);
+    // The last sample; null when the collection is empty.
+    CSampleData* GetSample();
+
+    // The browser's parameter record, handed to every sample read afterwards; not owned.
+    void SetParams(CDivBroParams* params) { m_pParams = params; }
+
+    // Links every sample that follows a "Control" sample (up to the next control), has at least
+    // its number and the same process parameters, and whose first compound's mass lies within
+    // 0.1 of the control's, to that control. A control without a positive reference mass takes
+    // every such sample.
+    void SetControlSamples();
+    // True when any sample has lock-spray (respectively MUX) acquisition enabled.
+    bool GetLockSprayEnabled() const;
+    bool GetMUXEnabled() const;
+
+    // Copies the report file the collection was read from (in, at its start) to out, line by
+    // line: empty lines are dropped, duplicate samples are left out with their blocks, the
+    // molfile list is copied with its parent names rewritten for the new file, and comment lines
+    // naming the program and the time are appended. A file rewritten in place is cut to what was
+    // written. Afterwards the duplicate samples are removed from memory too. Returns 0 when either
+    // file is missing, otherwise 1.
+    int Write(CDelimitFile* in, CDelimitFile* out);
+
+private:
+    // The index in this collection of each sample's control sample, -1 for a sample without one
+    // or whose control lies outside the collection; empty when no sample has such a link.
+    std::vector<int> ControlIndices() const;
+    // Restores the control links noted by ControlIndices after samples have moved: newIndexOf
+    // maps an old index to its new one, or to -1 for a removed sample.
+    template <class NewIndexOf>
+    void RelinkControls(const std::vector<int>& controls, NewIndexOf newIndexOf);
+    // Removes the samples marked as duplicates, keeping the control links of the others.
+    void RemoveDuplicates();
+    // Copies the molfile list's lines up to and including the first lone "}", replacing the
+    // first occurrence of from by to in each line when from is not empty.
+    static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
+                                const CString& to);
+
+    CArray<CSampleData> m_Samples;
+    CDivBroParams* m_pParams = nullptr;
+};
+
+} // namespace quillon

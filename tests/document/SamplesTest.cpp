@@ -1,0 +1,241 @@
+#include <quillon/document/Samples.h>
+#include <quillon/file/DelimitFile.h>
+#include <quillon/platform/FileException.h>
+#include <quillon/platform/HostHooks.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+std::string SampleSection(int number, const std::string& extra = "") {
+    return "[SAMPLE]\n{\nSample\t" + std::to_string(number) + "\n" + extra + "}\n";
+}
+
+std::vector<int> Numbers(CSamples& samples) {
+    std::vector<int> numbers;
+    for (int i = 0; i < samples.GetSamplesCount(); ++i)
+        numbers.push_back(samples.GetSample(i)->GetNumber());
+    return numbers;
+}
+
+CString Text(const CSampleData& sample, void (CSampleData::*getter)(CString&) const) {
+    CString text;
+    (sample.*getter)(text);
+    return text;
+}
+
+struct Message {
+    std::string text;
+    std::string title;
+    MessageIcon icon;
+};
+
+// Collects the messages shown while it lives, instead of showing them.
+class MessageCatcher {
+public:
+    MessageCatcher() : m_saved(GetHostHooks()) {
+        HostHooks hooks = m_saved;
+        hooks.showMessage = [this](const CString& text, const CString& title, MessageIcon icon) {
+            messages.push_back({text.c_str(), title.c_str(), icon});
+            return kMessageOk;
+        };
+        SetHostHooks(hooks);
+    }
+    ~MessageCatcher() { SetHostHooks(m_saved); }
+
+    std::vector<Message> messages;
+
+private:
+    HostHooks m_saved;
+};
+
+// A report file that fails on the line "FAIL FILE" with a file exception and on the line
+// "FAIL OTHER" with an exception that is not one of the library's.
+class FailingFile : public CDelimitFile {
+public:
+    using CDelimitFile::CDelimitFile;
+    BOOL ReadString(CString& line) override {
+        const BOOL read = CDelimitFile::ReadString(line);
+        if (line == "FAIL FILE")
+            throw CFileException(CFileException::hardIO, 5, "report.txt", "read");
+        if (line == "FAIL OTHER")
+            throw 42;
+        return read;
+    }
+};
+
+} // namespace
+
+TEST(SamplesTest, ReadKeepsNumberOrderFileEntriesAndSectionPositions) {
+    const std::string first = SampleSection(5, "SampleType\tAnalyte\n");
+    const std::string second = SampleSection(3);
+    const std::string third = SampleSection(5, "SampleID\tsecond five\n");
+    TempFile file;
+    file.Write(";report\n" + first + second + third);
+
+    CSamples samples;
+    ASSERT_EQ(samples.Read(file.c_str()), 1);
+    EXPECT_EQ(Numbers(samples), (std::vector<int>{3, 5, 5}));
+    EXPECT_EQ(samples.GetSample(0)->GetFileEntry(), 1);
+    EXPECT_EQ(samples.GetSample(1)->GetFileEntry(), 0);
+    EXPECT_EQ(samples.GetSample(2)->GetFileEntry(), 2);
+    EXPECT_EQ(Text(*samples.GetSample(2), &CSampleData::GetID), "second five");
+
+    const unsigned long firstStart = std::string(";report\n").size();
+    EXPECT_EQ(samples.GetSample(1)->GetFilePosStart(), firstStart);
+    EXPECT_EQ(samples.GetSample(1)->GetFilePosEnd(), firstStart + first.size());
+    EXPECT_EQ(samples.GetSample(0)->GetFilePosStart(), firstStart + first.size());
+    EXPECT_EQ(samples.GetSample(0)->GetFilePosEnd(), firstStart + first.size() + second.size());
+}
+
+TEST(SamplesTest, ReadOfAMissingFileFailsAndAnUnknownTopLevelBlockEndsTheReading) {
+    CSamples samples;
+    EXPECT_EQ(samples.Read("/nonexistent/folder/report.txt"), 0);
+    EXPECT_EQ(samples.GetSamplesCount(), 0);
+
+    TempFile file;
+    file.Write(SampleSection(1) + "[HISTORY]\n{\nline\n}\n" + SampleSection(2));
+    ASSERT_EQ(samples.Read(file.c_str()), 1);
+    EXPECT_EQ(Numbers(samples), (std::vector<int>{1}));
+}
+
+TEST(SamplesTest, AppendedSectionsGoToTheHighestNumberedSample) {
+    TempFile file;
+    file.Write("[SAMPLE_APPEND]\n{\nSample\t8\nWarning\tearly\n}\n" + SampleSection(2) +
+               "[SAMPLE_APPEND]\n{\nWarning\tlate\n[COMPOUND]\n{\n300.1\n}\n}\n");
+    CSamples samples;
+    ASSERT_EQ(samples.Read(file.c_str()), 1);
+    ASSERT_EQ(Numbers(samples), (std::vector<int>{2, 8}));
+    const CSampleData& appended = *samples.GetSample(1);
+    EXPECT_EQ(Text(appended, &CSampleData::GetProcessingWarning), "early\nlate");
+    EXPECT_EQ(appended.GetCompoundCount(), 1);
+    EXPECT_EQ(appended.GetFilePosEnd(), file.Read().size());
+    EXPECT_EQ(samples.GetSample(0)->GetCompoundCount(), 0);
+}
+
+TEST(SamplesTest, ReadingErrorsAreShownAndReadingGoesOn) {
+    TempFile file;
+    file.Write(SampleSection(1) + SampleSection(2, "FAIL FILE\nSampleID\tlost\n") +
+               SampleSection(3, "FAIL OTHER\n") + SampleSection(4));
+    FailingFile input(file.c_str(), CFile::modeRead);
+    MessageCatcher catcher;
+    CSamples samples;
+    ASSERT_EQ(samples.Read(&input), 1);
+
+    EXPECT_EQ(Numbers(samples), (std::vector<int>{1, 4}));
+    ASSERT_EQ(catcher.messages.size(), 2u);
+    char expected[260];
+    CFileException(CFileException::hardIO, 5, "report.txt", "read").GetErrorMessage(expected, 260);
+    EXPECT_EQ(catcher.messages[0].text, expected);
+    EXPECT_EQ(catcher.messages[1].text, "Error reading sample");
+    for (const Message& message : catcher.messages) {
+        EXPECT_EQ(message.title, "Hollbeck Browser");
+        EXPECT_EQ(message.icon, MessageIcon::Exclamation);
+    }
+}
+
+TEST(SamplesTest, ControlSamplesAreLinkedByNumberParametersAndMass) {
+    TempFile file;
+    auto sample = [](int number, const char* type, const char* parameters, const char* mass) {
+        std::string extra =
+            std::string("SampleType\t") + type + "\nProcessParameters\t" + parameters + "\n";
+        if (mass != nullptr)
+            extra += std::string("[COMPOUND]\n{\n") + mass + "\tC6H6\tparent\n}\n";
+        return SampleSection(number, extra);
+    };
+    file.Write(sample(1, "QC", "P", "100.0") +         // control with a reference mass
+               sample(2, "Analyte", "P", "100.1") +    // within the window
+               sample(3, "Analyte", "Q", "100.0") +    // other parameters
+               sample(4, "Analyte", "P", "100.1001") + // outside the window
+               sample(5, "Analyte", "P", "99.9") +     // within, below
+               sample(6, "Analyte", "P", nullptr) +    // no compound: mass 0
+               sample(10, "Control", "R", nullptr) +   // control without a reference mass
+               sample(11, "Analyte", "R", "5.0") + sample(12, "Analyte", "P", "100.0"));
+    CSamples samples;
+    ASSERT_EQ(samples.Read(file.c_str()), 1);
+    ASSERT_EQ(samples.GetSamplesCount(), 9);
+    CSampleData* firstControl = samples.GetSample(0);
+    CSampleData* secondControl = samples.GetSample(6);
+    EXPECT_TRUE(firstControl->IsControl());
+    EXPECT_EQ(firstControl->GetControlSample(), nullptr);
+    EXPECT_EQ(samples.GetSample(1)->GetControlSample(), firstControl);
+    EXPECT_EQ(samples.GetSample(2)->GetControlSample(), nullptr);
+    EXPECT_EQ(samples.GetSample(3)->GetControlSample(), nullptr);
+    EXPECT_EQ(samples.GetSample(4)->GetControlSample(), firstControl);
+    EXPECT_EQ(samples.GetSample(5)->GetControlSample(), nullptr);
+    EXPECT_EQ(samples.GetSample(7)->GetControlSample(), secondControl);
+    // The walk of a control stops at the next control.
+    EXPECT_EQ(samples.GetSample(8)->GetControlSample(), nullptr);
+
+    // A sample numbered below its control is passed over; a control loses its own link.
+    samples.GetSample(1)->SetNumber(0);
+    samples.GetSample(1)->SetControlSample(nullptr);
+    firstControl->SetControlSample(secondControl);
+    samples.SetControlSamples();
+    EXPECT_EQ(samples.GetSample(1)->GetControlSample(), nullptr);
+    EXPECT_EQ(firstControl->GetControlSample(), nullptr);
+    EXPECT_EQ(samples.GetSample(4)->GetControlSample(), firstControl);
+}
+
+TEST(SamplesTest, ControlLinksFollowTheirSamplesThroughInsertionAndCopies) {
+    CSamples samples;
+    CSampleData control;
+    control.SetNumber(10);
+    control.SetType("Control");
+    CSampleData analyte;
+    analyte.SetNumber(11);
+    samples.AddSample(control);
+    samples.AddSample(analyte);
+    samples.SetControlSamples();
+    ASSERT_EQ(samples.GetSample(1)->GetControlSample(), samples.GetSample(0));
+
+    // Inserting before both moves them; the link moves with them.
+    CSampleData early;
+    early.SetNumber(1);
+    EXPECT_EQ(samples.AddSample(early), 0);
+    EXPECT_EQ(samples.GetSample(2)->GetControlSample(), samples.GetSample(1));
+    EXPECT_EQ(samples.AddSample(), 4);
+    EXPECT_EQ(samples.GetSample(2)->GetControlSample(), samples.GetSample(1));
+
+    auto* source = new CSamples(samples);
+    CSamples copy(*source);
+    delete source;
+    EXPECT_EQ(copy.GetSample(2)->GetControlSample(), copy.GetSample(1));
+    CSamples assigned;
+    assigned = copy;
+    EXPECT_EQ(assigned.GetSample(2)->GetControlSample(), assigned.GetSample(1));
+}
+
+TEST(SamplesTest, AccessAndCollectionWideFlags) {
+    CSamples samples;
+    EXPECT_EQ(samples.GetSample(), nullptr);
+    EXPECT_EQ(samples.GetSample(0), nullptr);
+    EXPECT_FALSE(samples.GetLockSprayEnabled());
+    EXPECT_FALSE(samples.GetMUXEnabled());
+
+    CSampleData sample;
+    sample.SetLockSprayEnabled(false);
+    samples.AddSample(sample);
+    EXPECT_FALSE(samples.GetLockSprayEnabled());
+    sample.SetMUXEnabled(true);
+    sample.SetNumber(4);
+    EXPECT_EQ(samples.AddSample(sample), 1);
+    EXPECT_TRUE(samples.GetMUXEnabled());
+    EXPECT_EQ(samples.AddSample(), 3);
+    EXPECT_TRUE(samples.GetLockSprayEnabled());
+    EXPECT_EQ(samples.GetSample(-1), nullptr);
+    EXPECT_EQ(samples.GetSample(3), nullptr);
+    EXPECT_EQ(samples.GetSample(), samples.GetSample(2));
+    EXPECT_STREQ(samples.GetRuntimeClass()->m_lpszClassName, "CSamples");
+
+    samples.DeleteAll();
+    EXPECT_EQ(samples.GetSamplesCount(), 0);
+}

@@ -1,0 +1,250 @@
+#include <quillon/document/Samples.h>
+#include <quillon/file/DelimitFile.h>
+#include <quillon/platform/ProcessInfo.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string WithoutEmptyLines(const std::string& text) {
+    std::string result;
+    for (const std::string& line : Lines(text)) {
+        if (!line.empty())
+            result += line + "\n";
+    }
+    return result;
+}
+
+// Reads the report at inPath into samples, lets prepare edit them, then writes the report from
+// inPath to outPath (which may be the same file) and returns the written file's text.
+template <class Prepare>
+std::string ReadAndWrite(CSamples& samples, const std::string& inPath, const std::string& outPath,
+                         Prepare prepare) {
+    EXPECT_EQ(samples.Read(inPath.c_str()), 1);
+    prepare(samples);
+    {
+        CDelimitFile in(inPath.c_str(), CFile::modeRead);
+        const UINT outFlags =
+            inPath == outPath ? UINT(CFile::modeWrite) : UINT(CFile::modeWrite | CFile::modeCreate);
+        CDelimitFile out(outPath.c_str(), outFlags);
+        EXPECT_EQ(samples.Write(&in, &out), 1);
+    }
+    std::ifstream written(outPath, std::ios::binary);
+    std::ostringstream text;
+    text << written.rdbuf();
+    return text.str();
+}
+
+const std::string kReport = ";Report of batch 7\n"
+                            "\n"
+                            "[SAMPLE]\n"
+                            "{\n"
+                            "Sample\t5\n"
+                            "SampleType\tAnalyte\n"
+                            "\n"
+                            "[FUNCTION]\n"
+                            "{\n"
+                            "Function\t1\n"
+                            "[CHROMATOGRAM]\n"
+                            "{\n"
+                            "1.0\t200\n"
+                            "}\n"
+                            "}\n"
+                            "}\n"
+                            "[SAMPLE]\n"
+                            "{\n"
+                            "Sample\t3\n"
+                            "[COMPOUND]\n"
+                            "{\n"
+                            "151.06\tC8H9NO2\tParent\n"
+                            "}\n"
+                            "}\n"
+                            "[SAMPLE]\n"
+                            "{\n"
+                            "Sample\t7\n"
+                            "}\n";
+
+} // namespace
+
+TEST(SamplesWriteTest, AReportWithoutMetaboliteSectionsIsCopiedWithTheClosingComment) {
+    TempFile input("in.txt");
+    input.Write(kReport);
+    const std::string outPath = (input.Folder() / "out.txt").string();
+    CSamples samples;
+    const std::string written = ReadAndWrite(samples, input.Path(), outPath, [](CSamples&) {});
+
+    const std::string copied = WithoutEmptyLines(kReport);
+    ASSERT_EQ(written.substr(0, copied.size()), copied);
+    const std::vector<std::string> tail = Lines(written.substr(copied.size()));
+    ASSERT_EQ(tail.size(), 1u);
+    const std::string prefix =
+        ";Metabolite sections updated by \t" + std::string(GetModuleFilePath().c_str()) + " \t";
+    EXPECT_EQ(tail[0].substr(0, prefix.size()), prefix);
+    EXPECT_EQ(tail[0].back(), ' ');
+    EXPECT_GT(tail[0].size(), prefix.size() + 1); // the time follows
+    EXPECT_EQ(samples.GetSamplesCount(), 3);
+}
+
+TEST(SamplesWriteTest, DuplicateSamplesAreDroppedFromFileAndMemory) {
+    TempFile input("in.txt");
+    input.Write(kReport);
+    const std::string outPath = (input.Folder() / "out.txt").string();
+    CSamples samples;
+    const std::string written =
+        ReadAndWrite(samples, input.Path(), outPath, [](CSamples& collection) {
+            // Held as 3, 5, 7; the 5 is the first sample of the file.
+            collection.GetSample(1)->IsDuplicate(true);
+            collection.GetSample(0)->SetType("Control");
+            collection.GetSample(0)->Empty(); // no reference mass: every later sample is linked
+            collection.SetControlSamples();
+            ASSERT_EQ(collection.GetSample(2)->GetControlSample(), collection.GetSample(0));
+        });
+
+    const std::vector<std::string> lines = Lines(written);
+    const std::vector<std::string> expected = {";Report of batch 7",
+                                               "[SAMPLE]",
+                                               "{",
+                                               "Sample\t3",
+                                               "[COMPOUND]",
+                                               "{",
+                                               "151.06\tC8H9NO2\tParent",
+                                               "}",
+                                               "}",
+                                               "[SAMPLE]",
+                                               "{",
+                                               "Sample\t7",
+                                               "}"};
+    ASSERT_EQ(lines.size(), expected.size() + 2);
+    EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + expected.size()), expected);
+    EXPECT_EQ(lines[expected.size()].rfind(";Metabolite sections updated by", 0), 0u);
+    EXPECT_EQ(lines[expected.size() + 1].rfind(";Duplicate samples removed by", 0), 0u);
+
+    ASSERT_EQ(samples.GetSamplesCount(), 2);
+    EXPECT_EQ(samples.GetSample(0)->GetNumber(), 3);
+    EXPECT_EQ(samples.GetSample(1)->GetNumber(), 7);
+    EXPECT_EQ(samples.GetSample(1)->GetControlSample(), samples.GetSample(0));
+}
+
+TEST(SamplesWriteTest, AFileRewrittenInPlaceLosesItsStaleTail) {
+    TempFile report("report.txt");
+    report.Write(kReport);
+    CSamples samples;
+    const std::string written =
+        ReadAndWrite(samples, report.Path(), report.Path(),
+                     [](CSamples& collection) { collection.GetSample(2)->IsDuplicate(true); });
+
+    const std::vector<std::string> lines = Lines(written);
+    ASSERT_GE(lines.size(), 2u);
+    EXPECT_EQ(lines[lines.size() - 2].rfind(";Metabolite sections updated by", 0), 0u);
+    EXPECT_EQ(lines.back().rfind(";Duplicate samples removed by", 0), 0u);
+    EXPECT_EQ(written.find("Sample\t7"), std::string::npos);
+    EXPECT_EQ(written.back(), '\n');
+    EXPECT_EQ(samples.GetSamplesCount(), 2);
+}
+
+TEST(SamplesWriteTest, MolfileListIsCopiedWithItsParentNameRewritten) {
+    const std::string report = "[SAMPLE]\n"
+                               "{\n"
+                               "Sample\t1\n"
+                               "[MOLFILE LIST]\n"
+                               "{\n"
+                               "Reference\tin.txt_Parent and in.txt_Parent\n"
+                               "[MOLFILE]\n"
+                               "{\n"
+                               "in.txt_Parent\n"
+                               "\n"
+                               "  2  1  0  0  0  0  0  0  0  0999 V2000\n"
+                               "}\n"
+                               "Reference\tin.txt_Parent\n"
+                               "}\n"
+                               "}\n";
+    TempFile input("in.txt");
+    input.Write(report);
+    const std::string outPath = (input.Folder() / "out.txt").string();
+    CSamples samples;
+    const std::string written = ReadAndWrite(samples, input.Path(), outPath, [](CSamples&) {});
+
+    // The list is copied verbatim, empty lines included, up to the first lone "}"; the lines
+    // after it are copied as any others.
+    const std::string expected = "[SAMPLE]\n"
+                                 "{\n"
+                                 "Sample\t1\n"
+                                 "[MOLFILE LIST]\n"
+                                 "{\n"
+                                 "Reference\tout.txt_Parent and in.txt_Parent\n"
+                                 "[MOLFILE]\n"
+                                 "{\n"
+                                 "out.txt_Parent\n"
+                                 "\n"
+                                 "  2  1  0  0  0  0  0  0  0  0999 V2000\n"
+                                 "}\n"
+                                 "Reference\tin.txt_Parent\n"
+                                 "}\n"
+                                 "}\n";
+    EXPECT_EQ(written.substr(0, expected.size()), expected);
+
+    // Written under the same name, nothing is rewritten.
+    TempFile sameName("in.txt");
+    sameName.Write(report);
+    TempFile target("in.txt");
+    CSamples again;
+    const std::string unchanged =
+        ReadAndWrite(again, sameName.Path(), target.Path(), [](CSamples&) {});
+    EXPECT_EQ(unchanged.substr(0, report.size()), report);
+}
+
+TEST(SamplesWriteTest, SamplesTheCollectionDoesNotHoldAreNotWritten) {
+    TempFile input("in.txt");
+    input.Write(kReport);
+    const std::string outPath = (input.Folder() / "out.txt").string();
+    CSamples samples;
+    const std::string written =
+        ReadAndWrite(samples, input.Path(), outPath, [](CSamples& collection) {
+            collection.DeleteAll();
+            CSampleData only;
+            only.SetNumber(5);
+            collection.AddSample(only);
+        });
+    // At each further "[SAMPLE]" the input skips to the next header, which it consumes; the
+    // lines after that are copied again.
+    const std::vector<std::string> lines = Lines(written);
+    const std::vector<std::string> expected = {";Report of batch 7",
+                                               "[SAMPLE]",
+                                               "{",
+                                               "Sample\t5",
+                                               "SampleType\tAnalyte",
+                                               "[FUNCTION]",
+                                               "{",
+                                               "Function\t1",
+                                               "[CHROMATOGRAM]",
+                                               "{",
+                                               "1.0\t200",
+                                               "}",
+                                               "}",
+                                               "}",
+                                               "{",
+                                               "151.06\tC8H9NO2\tParent",
+                                               "}",
+                                               "}"};
+    ASSERT_EQ(lines.size(), expected.size() + 1);
+    EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.end() - 1), expected);
+
+    EXPECT_EQ(samples.Write(nullptr, nullptr), 0);
+}
