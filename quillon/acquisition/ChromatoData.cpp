@@ -5,11 +5,16 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <type_traits>
 #include <utility>
 
 namespace quillon {
 
 QUILLON_IMPLEMENT_DYNAMIC(CChromatoData, CObject)
+
+// A function's array of traces moves them when it grows; their points are never copied.
+static_assert(std::is_nothrow_move_constructible_v<CChromatoData>);
+static_assert(std::is_nothrow_move_constructible_v<CChromatogramPeak>);
 
 namespace {
 

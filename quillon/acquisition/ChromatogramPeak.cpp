@@ -76,6 +76,10 @@ void CChromatogramPeak::GetPeakAnnotationLabel(CString& label) const {
 
 int CChromatogramPeak::Read(CDelimitFile* file) {
     CFileRecord record;
+    return Read(file, record);
+}
+
+int CChromatogramPeak::Read(CDelimitFile* file, CFileRecord& record) {
     record.AddField("Peak ID", kPeakID);
     record.AddField("Peak Cluster ID", kPeakClusterID);
     record.AddField("Time", kTime);
@@ -85,10 +89,6 @@ int CChromatogramPeak::Read(CDelimitFile* file) {
     record.AddField("AreaAbs", kAreaAbs);
     record.AddField("Width", kWidth);
     record.AddField("Peak Ref", kPeakRef);
-    return Read(file, record);
-}
-
-int CChromatogramPeak::Read(CDelimitFile* file, CFileRecord& record) {
     while (record.Read(file)) {
         if (record.GetType() == RECORD_FIELD)
             NewField(*record.GetInput(), record.GetID());

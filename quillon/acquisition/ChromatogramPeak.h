@@ -62,7 +62,8 @@ public:
     // The label the chart puts at the peak: the cluster identifier.
     void GetPeakAnnotationLabel(CString& label) const;
 
-    // Reads the fields of a "PEAK" section; returns TRUE.
+    // Reads the fields of a "PEAK" section; returns TRUE. The second form reads on with a record
+    // the caller has already taken into the section, registering the peak's field names on it.
     int Read(CDelimitFile* file);
     int Read(CDelimitFile* file, CFileRecord& record);
     // Peaks are not written back to a report: returns TRUE exactly when a file is given.
