@@ -22,6 +22,7 @@
 
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/ChromatogramPeak.h>
+#include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/MassesData.h>
 #include <quillon/acquisition/ParametersData.h>
 #include <quillon/acquisition/PeakData.h>
