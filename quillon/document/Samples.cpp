@@ -88,6 +88,8 @@ int CSamples::Read(CDelimitFile* file) {
 }
 
 int CSamples::ReadSample(CDelimitFile* file) {
+    if (file == nullptr)
+        return GetSamplesCount() - 1;
     try {
         // The section starts where its header line did (a line end is one character).
         const int64_t afterHeader = file->GetPosition();
@@ -111,6 +113,8 @@ int CSamples::ReadSample(CDelimitFile* file) {
 }
 
 int CSamples::AppendSample(CDelimitFile* file) {
+    if (file == nullptr)
+        return GetSamplesCount() - 1;
     CSampleData* last = GetSample();
     if (last == nullptr)
         return ReadSample(file);
