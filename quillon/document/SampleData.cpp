@@ -120,6 +120,9 @@ constexpr NamedId kSections[] = {
     {"METABOLITE COMPOUNDS", kDiagnosticSection},
     {"NEUTRAL LOSS COMPOUNDS", kDiagnosticSection},
     {"COMPOUND", kCompoundSection},
+    {"FUNCTION", kFunctionSection},
+    {"FUNCTION_APPEND", kFunctionAppendSection},
+    {"ANALOG", kAnalogSection},
     {"PARAMETERS", kParametersSection},
     {"MASS DEFECT FILTER", kMassDefectFilterSection},
 };
@@ -159,6 +162,12 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
         return ReadDiagnosticSection(file);
     case kCompoundSection:
         return ReadCompound(file);
+    case kFunctionSection:
+        return ReadFunction(file);
+    case kFunctionAppendSection:
+        return ReadFunctionAppend(file);
+    case kAnalogSection:
+        return ReadAnalog(file);
     case kParametersSection:
         return ReadParameters(file);
     case kMassDefectFilterSection:
@@ -277,6 +286,8 @@ int CSampleData::Write(CDelimitFile* file) const {
 
 void CSampleData::Empty() {
     m_Compounds.RemoveAll();
+    m_Functions.RemoveAll();
+    m_AnalogChannels.RemoveAll();
 }
 
 void CSampleData::SetNumber(const CString& number) {

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/DoubleArray.h>
+#include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/ParametersData.h>
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/String.h>
 #include <quillon/platform/Types.h>
+
+#include <utility>
 
 namespace quillon {
 
@@ -28,7 +32,7 @@ public:
     CSampleData& operator=(CSampleData&& source) = default;
     ~CSampleData() override = default;
 
-    // Removes all compounds.
+    // Removes all functions, analog channels and compounds.
     void Empty();
 
     // Reads a "[SAMPLE]" (or "SAMPLE_APPEND") section from the line after its header to the close
@@ -167,6 +171,64 @@ public:
     // Appends a copy; returns its index.
     int AddCompound(const CCompoundData& compound);
 
+    // Acquisition functions and analog channels (SampleDataAcquisition.cpp). The adding forms
+    // return the index of the new element; out-of-range indices give null.
+    int GetFunctionCount() const { return m_Functions.GetSize(); }
+    int AddFunction(const CFunctionData& function) { return m_Functions.Add(function); }
+    int AppendFunction(CFunctionData&& function) { return m_Functions.Add(std::move(function)); }
+    CFunctionData* GetFunction(int index);
+    CFunctionData* GetFunction(); // the last function
+    int GetAnalogCount() const { return m_AnalogChannels.GetSize(); }
+    int AddChannel(const CChromatoData& channel) { return m_AnalogChannels.Add(channel); }
+    int AddChannel(CChromatoData&& channel) { return m_AnalogChannels.Add(std::move(channel)); }
+    CChromatoData* GetAnalogChannel(int index);
+    CChromatoData* GetAnalogChannel(); // the last channel
+    // The combined trace numbered -101 or -102, or -100 for any other number.
+    CChromatoData* GetCombinedTrace(int traceNumber);
+
+    // Navigation by the numbers a report carries (SampleDataNavigation.cpp). Walks run over the
+    // functions by index, their chromatograms by index and the chromatograms' peaks in order;
+    // the first match wins. "Not found" is null, -1 or 0 as stated for each.
+    int GetFunctionEntryWithNumber(int number); // -1 when none
+    CFunctionData* GetFunctionWithNumber(int number);
+    CFunctionData* GetFunctionContainingTrace(int trace); // null for negative numbers
+    // Combined traces for -100..-102, null for other negative numbers, then functions' traces
+    // before analog channels.
+    CChromatoData* GetTrace(int trace);
+    // The trace number of the first chromatogram of the function with that number whose
+    // description is exactly description; 0 when none. Combined trace numbers pass unchanged.
+    int GetTraceNum(int functionNumber, CString description);
+    // Index of a chromatogram within the function at functionIndex; -1 when none.
+    int GetChromatogramIndex(int functionIndex, int trace);
+    int GetChromatogramIndex(int functionIndex, CString description);
+    // Both traces exist and share a trace number in function of at least 1.
+    bool SameTrace(int trace1, int trace2);
+    // The first acquired spectrum with that peak identifier.
+    CSpectrumData* GetCorrespondingSpectrum(int peakID);
+
+    // Peaks and clusters. The "n-th peak" lookups count matching peaks from 0; the "n-th
+    // chromatogram" lookups count chromatograms from 1; counters count each chromatogram once.
+    CChromatogramPeak* GetCorispondingPeakInfo(int peakID, int n);
+    CChromatogramPeak* GetCorispondingPeakInfo(int peakID, int functionNumber, int trace);
+    CChromatoData* GetCorispondingChroMatogram(int peakID, int n);
+    int GetCorispondingChromatNumber(int peakID, int n); // 0 when none
+    int GetNumberOfChroGraphs(int peakID);
+    int GetNumberOfChroGraphsInCluster(int cluster);            // 1 for a cluster below 1
+    int GetNumberOfSameTracesInCluster(int cluster, int trace); // 1, or -1 for a missing trace
+    int GetTraceInCluster(int cluster, int n);                  // -1 when none
+    int GetSameTraceInCluster(int cluster, int n, int trace);   // -1 when none
+    int GetSamePeakInCluster(int cluster, int n, int trace);    // -1 when none
+    // The cluster of the first peak with that identifier, -1 when none; trace has no effect.
+    int RetrievePeakClusterNum(int peakID, int trace);
+
+    // The widest time range over all chromatograms, seeded by the first chromatogram of the first
+    // function. Returns 1.
+    int GetMaxChromatogramRange(float& start, float& end);
+    // Asks every function CFunctionData::IsPositive with the result index; flags collects the
+    // functions' passed flags. 1 when any function answered non-zero.
+    int IsPositive(int trace, int& flags, CString* text);
+    int IsPositive(int trace);
+
     // Processing parameters of the "PARAMETERS" section.
     CParametersData* GetParameters() { return &m_Parameters; }
     const CParametersData* GetParameters() const { return &m_Parameters; }
@@ -181,6 +243,9 @@ public:
     int ReadParameters(CDelimitFile* file);        // returns 1
     int ReadMDF(CDelimitFile* file);               // returns 0
     int ReadDiagnosticSection(CDelimitFile* file); // read and discarded; returns 1
+    int ReadFunction(CDelimitFile* file);          // returns the new function's index
+    int ReadFunctionAppend(CDelimitFile* file);    // returns the index of the function read into
+    int ReadAnalog(CDelimitFile* file);            // returns the new channel's index
 
     // One "COMPOUND" row (mass, formula, name; each optional), appended to the compounds.
     int CompoundNewField(const CStringArray& row);
@@ -255,6 +320,10 @@ private:
     CParametersData m_Parameters;
     CDoubleArray m_MDFMasses;
     CDoubleArray m_MDFParams;
+    CArray<CFunctionData> m_Functions;
+    CArray<CChromatoData> m_AnalogChannels;
+    // The combined traces numbered -100, -101 and -102, in that order.
+    CChromatoData m_CombinedTraces[3];
 };
 
 } // namespace quillon

@@ -1,0 +1,344 @@
+#include <quillon/document/SampleData.h>
+
+#include <quillon/file/DelimitFile.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+// A "[SAMPLE]" block with two functions, an analog channel and a function continued at the end.
+// Cluster 3 is spread over five chromatograms (peak 10 sits on three of them, and twice in
+// cluster 3 on trace 1); trace numbers in function: traces 1 and 3 are 1, traces 2 and 4 are 2,
+// trace 5 is 3.
+const char* const kSampleBlock = R"({
+Sample	1
+[FUNCTION]
+{
+Function	1
+Type	MS
+IonMode	ES+
+[CHROMATOGRAM]
+{
+Description	TIC
+TraceNumber	1
+TraceNumberInFunction	1
+[TRACE]
+{
+1.0	10
+2.0	20
+3.0	10
+}
+[PEAK]
+{
+Peak ID	10
+Peak Cluster ID	3
+Time	1.5
+}
+[PEAK]
+{
+Peak ID	11
+Peak Cluster ID	3
+Time	2.5
+}
+}
+[CHROMATOGRAM]
+{
+Description	XIC:455.2
+TraceNumber	2
+TraceNumberInFunction	2
+[TRACE]
+{
+0.5	1
+4.0	2
+}
+[PEAK]
+{
+Peak ID	12
+Peak Cluster ID	4
+}
+[PEAK]
+{
+Peak ID	10
+Peak Cluster ID	3
+Time	1.6
+}
+}
+[SPECTRUM]
+{
+Peak ID	10
+[RESULTS]
+{
+455.2	1	50	0.9	1	fine
+}
+}
+}
+[FUNCTION]
+{
+Function	2
+Type	MS
+IonMode	ES+
+[CHROMATOGRAM]
+{
+Description	TIC
+TraceNumber	3
+TraceNumberInFunction	1
+[TRACE]
+{
+0.8	1
+5.0	3
+}
+[PEAK]
+{
+Peak ID	10
+Peak Cluster ID	3
+Time	1.7
+}
+}
+[CHROMATOGRAM]
+{
+Description	XIC:455.2
+TraceNumber	4
+TraceNumberInFunction	2
+[TRACE]
+{
+0.7	1
+4.5	3
+}
+[PEAK]
+{
+Peak ID	13
+Peak Cluster ID	3
+}
+}
+[SPECTRUM]
+{
+Peak ID	10
+Time	1.7
+[RESULTS]
+{
+455.2	1	50	0.9	0	weak
+}
+}
+[SPECTRUM]
+{
+Peak ID	13
+}
+}
+[ANALOG]
+{
+Description	Analog 1
+TraceNumber	20
+TraceNumberInFunction	0
+}
+[FUNCTION_APPEND]
+{
+Function	1
+[CHROMATOGRAM]
+{
+Description	BPI
+TraceNumber	5
+TraceNumberInFunction	3
+[TRACE]
+{
+0.6	1
+2.0	1
+}
+[PEAK]
+{
+Peak ID	14
+Peak Cluster ID	3
+}
+}
+}
+}
+)";
+
+class SampleDataNavigationTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        TempFile report;
+        report.Write(kSampleBlock);
+        CDelimitFile file(report.c_str(), CFile::modeRead);
+        ASSERT_EQ(sample.Read(&file), 1);
+    }
+
+    float PeakTime(const CChromatogramPeak* peak) { return peak ? peak->GetTime() : -1.0f; }
+
+    CSampleData sample;
+};
+
+} // namespace
+
+TEST_F(SampleDataNavigationTest, ReadsFunctionsChannelsAndContinuations) {
+    ASSERT_EQ(sample.GetFunctionCount(), 2);
+    EXPECT_EQ(sample.GetNumber(), 1);
+    EXPECT_EQ(sample.GetFunction(0)->GetNumChromatogram(), 3); // the continuation added trace 5
+    EXPECT_EQ(sample.GetFunction(0)->GetChromatogram(2)->GetTraceNumber(), 5);
+    EXPECT_EQ(sample.GetFunction(0)->GetChromatogram(2)->GetFunctionNumber(), 1);
+    EXPECT_EQ(sample.GetFunction(1)->GetNumSpectra(false), 2);
+    EXPECT_EQ(sample.GetFunction(), sample.GetFunction(1));
+    EXPECT_EQ(sample.GetFunction(2), nullptr);
+    EXPECT_EQ(sample.GetFunction(-1), nullptr);
+    ASSERT_EQ(sample.GetAnalogCount(), 1);
+    EXPECT_EQ(sample.GetAnalogChannel(0)->GetTraceNumber(), 20);
+    EXPECT_EQ(sample.GetAnalogChannel(), sample.GetAnalogChannel(0));
+    EXPECT_EQ(sample.GetAnalogChannel(1), nullptr);
+
+    CSampleData copy(sample);
+    ASSERT_EQ(copy.GetFunctionCount(), 2);
+    EXPECT_NE(copy.GetFunction(0), sample.GetFunction(0));
+    EXPECT_EQ(copy.GetTrace(5)->GetNumPeaks(), 2);
+    copy.Empty();
+    EXPECT_EQ(copy.GetFunctionCount(), 0);
+    EXPECT_EQ(copy.GetAnalogCount(), 0);
+    EXPECT_EQ(sample.GetFunctionCount(), 2);
+}
+
+TEST_F(SampleDataNavigationTest, FindsFunctionsTracesAndChromatograms) {
+    EXPECT_EQ(sample.GetFunctionEntryWithNumber(2), 1);
+    EXPECT_EQ(sample.GetFunctionEntryWithNumber(7), -1);
+    EXPECT_EQ(sample.GetFunctionWithNumber(1), sample.GetFunction(0));
+    EXPECT_EQ(sample.GetFunctionWithNumber(7), nullptr);
+
+    EXPECT_EQ(sample.GetFunctionContainingTrace(3), sample.GetFunction(1));
+    EXPECT_EQ(sample.GetFunctionContainingTrace(5), sample.GetFunction(0));
+    EXPECT_EQ(sample.GetFunctionContainingTrace(20), nullptr); // an analog channel
+    EXPECT_EQ(sample.GetFunctionContainingTrace(-100), nullptr);
+
+    EXPECT_EQ(sample.GetTrace(4), sample.GetFunction(1)->GetChromatogram(1));
+    EXPECT_EQ(sample.GetTrace(20), sample.GetAnalogChannel(0));
+    EXPECT_EQ(sample.GetTrace(99), nullptr);
+    EXPECT_EQ(sample.GetTrace(-5), nullptr);
+    EXPECT_EQ(sample.GetTrace(-100), sample.GetCombinedTrace(-100));
+    EXPECT_EQ(sample.GetTrace(-101), sample.GetCombinedTrace(-101));
+    EXPECT_EQ(sample.GetTrace(-102), sample.GetCombinedTrace(-102));
+    EXPECT_NE(sample.GetTrace(-101), sample.GetTrace(-100));
+
+    EXPECT_EQ(sample.GetTraceNum(2, "TIC"), 3);
+    EXPECT_EQ(sample.GetTraceNum(1, "XIC:455.2"), 2);
+    EXPECT_EQ(sample.GetTraceNum(1, "tic"), 0);
+    EXPECT_EQ(sample.GetTraceNum(1, ""), 0);
+    EXPECT_EQ(sample.GetTraceNum(9, "TIC"), 0);
+    EXPECT_EQ(sample.GetTraceNum(-100, "anything"), -100);
+    EXPECT_EQ(sample.GetTraceNum(-102, ""), -102);
+
+    EXPECT_EQ(sample.GetChromatogramIndex(0, 5), 2);
+    EXPECT_EQ(sample.GetChromatogramIndex(1, 3), 0);
+    EXPECT_EQ(sample.GetChromatogramIndex(1, 1), -1);
+    EXPECT_EQ(sample.GetChromatogramIndex(0, 0), -1);
+    EXPECT_EQ(sample.GetChromatogramIndex(-1, 1), -1);
+    EXPECT_EQ(sample.GetChromatogramIndex(5, 1), -1);
+    EXPECT_EQ(sample.GetChromatogramIndex(1, CString("XIC:455.2")), 1);
+    EXPECT_EQ(sample.GetChromatogramIndex(0, CString("BPI")), 2);
+    EXPECT_EQ(sample.GetChromatogramIndex(0, CString("")), -1);
+
+    EXPECT_TRUE(sample.SameTrace(1, 3));
+    EXPECT_TRUE(sample.SameTrace(2, 4));
+    EXPECT_FALSE(sample.SameTrace(1, 2));
+    EXPECT_FALSE(sample.SameTrace(1, 99));
+    EXPECT_FALSE(sample.SameTrace(20, 20)); // exists, but its number in function is 0
+
+    EXPECT_EQ(sample.GetCorrespondingSpectrum(10), sample.GetFunction(0)->GetSpectrum(0, false));
+    EXPECT_EQ(sample.GetCorrespondingSpectrum(13), sample.GetFunction(1)->GetSpectrum(1, false));
+    EXPECT_EQ(sample.GetCorrespondingSpectrum(99), nullptr);
+}
+
+TEST_F(SampleDataNavigationTest, FindsPeaksByIdentifierInWalkOrder) {
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 0)), 1.5f);
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 1)), 1.6f);
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 2)), 1.7f);
+    EXPECT_EQ(sample.GetCorispondingPeakInfo(10, 3), nullptr);
+    EXPECT_EQ(sample.GetCorispondingPeakInfo(10, -1), nullptr);
+    EXPECT_EQ(sample.GetNumberOfChroGraphs(10), 3);
+    EXPECT_EQ(sample.GetNumberOfChroGraphs(11), 1);
+    EXPECT_EQ(sample.GetNumberOfChroGraphs(99), 0);
+
+    EXPECT_EQ(sample.GetCorispondingChroMatogram(10, 2), sample.GetTrace(3));
+    EXPECT_EQ(sample.GetCorispondingChroMatogram(10, 3), nullptr);
+    EXPECT_EQ(sample.GetCorispondingChromatNumber(10, 1), 2);
+    EXPECT_EQ(sample.GetCorispondingChromatNumber(14, 0), 5);
+    EXPECT_EQ(sample.GetCorispondingChromatNumber(10, 3), 0);
+
+    // By function number and trace, falling back to the first peak with the identifier.
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 2, 3)), 1.7f);
+    EXPECT_EQ(sample.GetCorispondingPeakInfo(10, 2, 4), nullptr); // the trace lacks the peak
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 2, 1)), 1.5f); // lacks the trace
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 3, 3)), 1.5f); // beyond count
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 0, 3)), 1.5f);
+    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 2, 0)), 1.5f);
+    EXPECT_EQ(sample.GetCorispondingPeakInfo(0, 1, 1), nullptr);
+
+    EXPECT_EQ(sample.RetrievePeakClusterNum(12, 1), 4);
+    EXPECT_EQ(sample.RetrievePeakClusterNum(12, 99), 4);
+    EXPECT_EQ(sample.RetrievePeakClusterNum(11, -3), 3);
+    EXPECT_EQ(sample.RetrievePeakClusterNum(0, 1), -1);
+    EXPECT_EQ(sample.RetrievePeakClusterNum(99, 1), -1);
+}
+
+TEST_F(SampleDataNavigationTest, CountsAndOrdersChromatogramsOfACluster) {
+    // Trace 1 holds two peaks of cluster 3 and counts once.
+    EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(3), 5);
+    EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(4), 1);
+    EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(99), 0);
+    EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(0), 1);
+
+    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 1), 2);
+    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 4), 2);
+    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 5), 1);
+    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(4, 3), 0);
+    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(0, 1), 1);
+    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 0), 1);
+    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 99), -1);
+
+    // Walk order: function 1's traces 1, 2, 5, then function 2's traces 3, 4; counted from 1.
+    EXPECT_EQ(sample.GetTraceInCluster(3, 1), 1);
+    EXPECT_EQ(sample.GetTraceInCluster(3, 3), 5);
+    EXPECT_EQ(sample.GetTraceInCluster(3, 5), 4);
+    EXPECT_EQ(sample.GetTraceInCluster(3, 6), -1);
+    EXPECT_EQ(sample.GetTraceInCluster(3, 0), -1);
+    EXPECT_EQ(sample.GetTraceInCluster(0, 1), -1);
+
+    EXPECT_EQ(sample.GetSameTraceInCluster(3, 1, 3), 1);
+    EXPECT_EQ(sample.GetSameTraceInCluster(3, 2, 1), 3);
+    EXPECT_EQ(sample.GetSameTraceInCluster(3, 3, 1), -1);
+    EXPECT_EQ(sample.GetSameTraceInCluster(3, 1, 99), -1);
+    EXPECT_EQ(sample.GetSameTraceInCluster(0, 1, 1), -1);
+
+    EXPECT_EQ(sample.GetSamePeakInCluster(3, 1, 1), 10);
+    EXPECT_EQ(sample.GetSamePeakInCluster(3, 1, 2), 10); // trace 2's first peak is of cluster 4
+    EXPECT_EQ(sample.GetSamePeakInCluster(3, 2, 2), 13);
+    EXPECT_EQ(sample.GetSamePeakInCluster(3, 3, 2), -1);
+    EXPECT_EQ(sample.GetSamePeakInCluster(0, 1, 1), -1);
+}
+
+TEST_F(SampleDataNavigationTest, RangeAndPositivityOverAllFunctions) {
+    float start = -1.0f;
+    float end = -1.0f;
+    EXPECT_EQ(sample.GetMaxChromatogramRange(start, end), 1);
+    EXPECT_FLOAT_EQ(start, 0.5f);
+    EXPECT_FLOAT_EQ(end, 5.0f);
+
+    int flags = -1;
+    CString text;
+    EXPECT_EQ(sample.IsPositive(-1, flags, &text), 1);
+    EXPECT_EQ(flags, 1);
+    EXPECT_EQ(text, "weak");
+    EXPECT_EQ(sample.IsPositive(0), 1);
+    EXPECT_EQ(sample.IsPositive(1), 0); // no spectrum has a second result
+
+    CSampleData empty;
+    EXPECT_EQ(empty.GetMaxChromatogramRange(start, end), 1);
+    EXPECT_FLOAT_EQ(start, 0.0f);
+    EXPECT_FLOAT_EQ(end, 0.0f);
+    EXPECT_EQ(empty.IsPositive(-1, flags, nullptr), 0);
+    EXPECT_EQ(flags, 0);
+    EXPECT_EQ(empty.GetTrace(1), nullptr);
+    EXPECT_EQ(empty.GetCorispondingPeakInfo(1, 0), nullptr);
+}
