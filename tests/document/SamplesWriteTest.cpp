@@ -157,6 +157,38 @@ TEST(SamplesWriteTest, AFileRewrittenInPlaceLosesItsStaleTail) {
     EXPECT_EQ(written.find("Sample\t7"), std::string::npos);
     EXPECT_EQ(written.back(), '\n');
     EXPECT_EQ(samples.GetSamplesCount(), 2);
+
+    // Without duplicates, dropped empty lines alone can make the new content shorter.
+    const std::string padded = kReport + std::string(400, '\n');
+    report.Write(padded);
+    CSamples again;
+    const std::string rewritten =
+        ReadAndWrite(again, report.Path(), report.Path(), [](CSamples&) {});
+    const std::string copied = WithoutEmptyLines(kReport);
+    ASSERT_EQ(rewritten.substr(0, copied.size()), copied);
+    const std::vector<std::string> tail = Lines(rewritten.substr(copied.size()));
+    ASSERT_EQ(tail.size(), 1u);
+    EXPECT_EQ(tail[0].rfind(";Metabolite sections updated by", 0), 0u);
+}
+
+TEST(SamplesWriteTest, TextWrittenBeforeTheCopyIsKept) {
+    TempFile input("in.txt");
+    input.Write(kReport);
+    TempFile output("out.txt");
+    CSamples samples;
+    ASSERT_EQ(samples.Read(input.c_str()), 1);
+    samples.GetSample(0)->IsDuplicate(true);
+    {
+        CDelimitFile in(input.c_str(), CFile::modeRead);
+        CDelimitFile out(output.c_str(), CFile::modeWrite | CFile::modeCreate);
+        out.WriteComment(CString("written before"));
+        EXPECT_EQ(samples.Write(&in, &out), 1);
+    }
+    const std::vector<std::string> lines = Lines(output.Read());
+    ASSERT_GE(lines.size(), 3u);
+    EXPECT_EQ(lines[0], ";written before");
+    EXPECT_EQ(lines[1], ";Report of batch 7");
+    EXPECT_EQ(lines.back().rfind(";Duplicate samples removed by", 0), 0u);
 }
 
 TEST(SamplesWriteTest, MolfileListIsCopiedWithItsParentNameRewritten) {
