@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quillon::generate {
+
+// What to generate. The defaults give the small example batch.
+struct GeneratorOptions {
+    std::string reportPath = "report.txt";
+    std::string iniPath;  // empty: "Tarnwick.ini" beside the report
+    int samples = 6;      // one control and five incubation times per group of six
+    int metabolites = 12; // searched (expected) biotransformations besides the parent
+    int unexpected = 3;   // unexpected products in the data
+    int pointsPerTrace = 600;
+    int surveySpectra = 1; // extra survey spectra per mass-spectrometry function
+    int noisePeaks = 12;   // random peaks in every mass spectrum
+    uint64_t seed = 20260312;
+    bool windowsLineEnds = false;
+};
+
+// Parses the command line into options. Returns false with a message (the usage text, or the
+// reason) when the arguments are wrong or help was asked for; helpRequested tells the two apart.
+bool ParseCommandLine(int argc, const char* const argv[], GeneratorOptions& options,
+                      std::string& message, bool& helpRequested);
+
+// The path of the settings file: the option, or "Tarnwick.ini" in the report's folder.
+std::string SettingsPath(const GeneratorOptions& options);
+
+} // namespace quillon::generate

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quillon::generate {
+
+// A small deterministic random number generator (xoshiro256**, seeded through splitmix64). Unlike
+// the standard distributions, its sequences are the same with every compiler and library, so a
+// seed always gives the same report bytes.
+class CRandom {
+public:
+    explicit CRandom(uint64_t seed);
+
+    // A generator for a named part of the output (a sample, a trace), independent of how much the
+    // parent generator has been used.
+    static CRandom Derived(uint64_t seed, uint64_t part, uint64_t subPart = 0);
+
+    uint64_t Next();
+    // Uniform in [0, 1).
+    double Uniform();
+    // Uniform in [low, high).
+    double Uniform(double low, double high);
+    // Uniform integer in [low, high].
+    int Integer(int low, int high);
+    // Standard normal (mean 0, deviation 1).
+    double Normal();
+    // True with the given probability.
+    bool Chance(double probability) { return Uniform() < probability; }
+
+private:
+    uint64_t m_state[4];
+    bool m_hasSpareNormal = false;
+    double m_spareNormal = 0.0;
+};
+
+} // namespace quillon::generate

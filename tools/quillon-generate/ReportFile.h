@@ -1,0 +1,34 @@
+#pragma once
+
+#include <quillon/file/DelimitFile.h>
+
+#include <string>
+
+namespace quillon::generate {
+
+// The report file as the generator writes it: a CDelimitFile opened for writing with a large
+// buffer, which can turn every line end into carriage return and line feed, and which writes the
+// bulk number lines (trace and spectrum points) through a reused line buffer.
+class CReportFile : public CDelimitFile {
+public:
+    // Creates (or truncates) the file; throws CFileException when it cannot.
+    CReportFile(const char* path, bool windowsLineEnds);
+
+    // Writes "x<tab>y" with the given decimals, formatted without printf for speed.
+    void WritePoint(double x, int xDecimals, double y, int yDecimals);
+
+    void WriteString(const char* text) override;
+
+private:
+    bool m_windowsLineEnds;
+    CString m_line;
+};
+
+// Appends a number with a fixed number of decimals (0 to 9), rounded half away from zero, as the
+// text a reader converts back with atof.
+void AppendFixed(std::string& out, double value, int decimals);
+
+// The value that AppendFixed writes, as a number (what a reader of the file gets back).
+double RoundFixed(double value, int decimals);
+
+} // namespace quillon::generate
