@@ -205,7 +205,6 @@ BOOL CSpectrumData::AddMassIntensity(const float* masses, const float* intensiti
         return FALSE;
     if (count < 1)
         return TRUE;
-    m_points.Reserve(m_points.GetSize() + count);
     for (int i = 0; i < count; ++i)
         m_points.Add(CPeakData(masses[i], intensities[i]));
     return TRUE;
