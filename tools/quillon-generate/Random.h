@@ -24,6 +24,9 @@ public:
     int Integer(int low, int high);
     // Standard normal (mean 0, deviation 1).
     double Normal();
+    // Mean 0, deviation 1, bell-shaped and bounded to +-3.46: the sum of four uniforms from one
+    // draw. Much cheaper than Normal; for noise on millions of points.
+    double QuickNormal();
     // True with the given probability.
     bool Chance(double probability) { return Uniform() < probability; }
 

@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
 constexpr size_t kWriteBuffer = 1 << 20;
+constexpr int kPointsPerRecord = 256;
 
 } // namespace
 
@@ -18,16 +19,44 @@ CReportFile::CReportFile(const char* path, bool windowsLineEnds)
     std::setvbuf(m_pStream, nullptr, _IOFBF, kWriteBuffer);
 }
 
+CReportFile::~CReportFile() {
+    if (m_pStream != nullptr) {
+        try {
+            FlushPoints();
+        } catch (const CException&) {
+            // The base class closes the file; a write error here has nowhere to go.
+        }
+    }
+}
+
 void CReportFile::WritePoint(double x, int xDecimals, double y, int yDecimals) {
-    std::string& line = m_line.str();
-    line.clear();
-    AppendFixed(line, x, xDecimals);
-    line.push_back('\t');
-    AppendFixed(line, y, yDecimals);
-    WriteRecord(m_line);
+    AppendFixed(m_points, x, xDecimals);
+    m_points.push_back('\t');
+    AppendFixed(m_points, y, yDecimals);
+    m_points.push_back('\n');
+    if (++m_pendingPoints == kPointsPerRecord) {
+        FlushPoints();
+    }
+}
+
+void CReportFile::FlushPoints() {
+    if (m_pendingPoints == 0) {
+        return;
+    }
+    m_pendingPoints = 0;
+    m_points.pop_back(); // the record's own line end follows
+    m_record.str().swap(m_points);
+    m_points.clear();
+    WriteRecord(m_record);
+}
+
+void CReportFile::Close() {
+    FlushPoints();
+    CDelimitFile::Close();
 }
 
 void CReportFile::WriteString(const char* text) {
+    FlushPoints();
     if (!m_windowsLineEnds || text == nullptr) {
         CDelimitFile::WriteString(text);
         return;

@@ -14,14 +14,24 @@ public:
     // Creates (or truncates) the file; throws CFileException when it cannot.
     CReportFile(const char* path, bool windowsLineEnds);
 
-    // Writes "x<tab>y" with the given decimals, formatted without printf for speed.
+    // Flushes the points not yet written.
+    ~CReportFile() override;
+
+    // Writes the line "x<tab>y" with the given decimals, formatted without printf for speed.
+    // Consecutive point lines are gathered and written as one record of many lines.
     void WritePoint(double x, int xDecimals, double y, int yDecimals);
 
+    // Every write passes here: gathered point lines go out first, so lines keep their order.
     void WriteString(const char* text) override;
+    void Close() override;
 
 private:
+    void FlushPoints();
+
     bool m_windowsLineEnds;
-    CString m_line;
+    CString m_record;
+    std::string m_points; // gathered point lines, each ended by a line feed
+    int m_pendingPoints = 0;
 };
 
 // Appends a number with a fixed number of decimals (0 to 9), rounded half away from zero, as the

@@ -61,9 +61,13 @@ double CTraceStream::Value(int index, CRandom& random) const {
             signal += peak.height * std::exp(-0.5 * z * z);
         }
     }
-    const double baseline = m_shape.baseline + m_shape.drift * std::sin(t * 0.37 + 0.8);
-    const double noise =
-        m_shape.noise * random.Normal() + m_shape.shotNoise * std::sqrt(signal) * random.Normal();
+    // The baseline rises towards both ends of the gradient.
+    const double u = (t - m_shape.startTime) / (m_shape.endTime - m_shape.startTime);
+    const double baseline = m_shape.baseline + m_shape.drift * (1.0 - 4.0 * u * (1.0 - u));
+    double noise = m_shape.noise * random.QuickNormal();
+    if (signal > 1.0) {
+        noise += m_shape.shotNoise * std::sqrt(signal) * random.QuickNormal();
+    }
     return std::max(0.0, baseline + signal + noise);
 }
 
