@@ -8,13 +8,13 @@
 #include <quillon/acquisition/SpectrumData.h>
 #include <quillon/companions/TarnwickIniInterface.h>
 #include <quillon/document/SampleData.h>
+#include <quillon/document/Samples.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/platform/Formula.h>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <memory>
 
 namespace quillon::generate {
 namespace {
@@ -34,65 +34,11 @@ const BatchSummary& ExampleSummary() {
     return summary;
 }
 
-// The acquisition sections of one sample, read by the library's function and chromatogram
-// readers.
-struct Acquisition {
-    std::vector<CFunctionData> functions;
-    std::vector<CChromatoData> analogChannels;
-};
-
-// Reads every "[SAMPLE]" with the sample reader, adding each "SAMPLE_APPEND" to the sample
-// before it.
-std::vector<std::unique_ptr<CSampleData>> ReadSamples() {
-    CDelimitFile file(kReport.c_str(), CFile::modeRead);
-    CFileRecord record;
-    record.AddParagraph("SAMPLE", 0);
-    record.AddParagraph("SAMPLE_APPEND", 1);
-    std::vector<std::unique_ptr<CSampleData>> samples;
-    while (record.Read(&file)) {
-        if (record.GetID() == 0) {
-            samples.push_back(std::make_unique<CSampleData>());
-        }
-        if (record.GetID() >= 0 && !samples.empty()) {
-            samples.back()->Read(&file);
-        }
-    }
-    return samples;
-}
-
-// Reads the "FUNCTION" and "ANALOG" sections of every sample with their own readers.
-std::vector<Acquisition> ReadAcquisitions() {
-    CDelimitFile file(kReport.c_str(), CFile::modeRead);
-    CFileRecord top;
-    top.AddParagraph("SAMPLE", 0);
-    top.AddParagraph("SAMPLE_APPEND", 1); // holds no acquisition data: passed over whole
-    std::vector<Acquisition> samples;
-    while (top.Read(&file)) {
-        if (top.GetID() == 1) {
-            CFileRecord append;
-            while (append.Read(&file)) {
-            }
-        }
-        if (top.GetID() != 0) {
-            continue;
-        }
-        samples.emplace_back();
-        CFileRecord sample;
-        sample.AddParagraph("FUNCTION", 0);
-        sample.AddParagraph("ANALOG", 1);
-        while (sample.Read(&file)) {
-            if (sample.GetType() != RECORD_PARAGRAPH) {
-                continue;
-            }
-            if (sample.GetID() == 0) {
-                samples.back().functions.emplace_back();
-                samples.back().functions.back().Read(&file);
-            } else if (sample.GetID() == 1) {
-                samples.back().analogChannels.emplace_back();
-                samples.back().analogChannels.back().Read(&file);
-            }
-        }
-    }
+// The example read by the document reader, once.
+CSamples& Example() {
+    static CSamples samples;
+    static const int read = samples.Read(kReport.c_str());
+    EXPECT_EQ(read, 1);
     return samples;
 }
 
@@ -107,17 +53,24 @@ void ExpectChromatogram(const CChromatoData& read, const ChromatogramSummary& wr
     }
 }
 
-TEST(ExampleBatchTest, SampleHeadersCompoundsParametersAndMassDefectFilterReadBack) {
+TEST(ExampleBatchTest, SamplesHeadersCompoundsParametersAndMassDefectFilterReadBack) {
     const BatchSummary& written = ExampleSummary();
-    const auto samples = ReadSamples();
-    ASSERT_EQ(samples.size(), written.samples.size());
-    for (size_t s = 0; s < samples.size(); ++s) {
+    CSamples& samples = Example();
+    ASSERT_EQ(samples.GetSamplesCount(), static_cast<int>(written.samples.size()));
+    CSampleData* control = nullptr;
+    for (int s = 0; s < samples.GetSamplesCount(); ++s) {
         SCOPED_TRACE("sample " + std::to_string(s + 1));
-        CSampleData& sample = *samples[s];
-        const SampleSummary& expected = written.samples[s];
+        CSampleData& sample = *samples.GetSample(s);
+        const SampleSummary& expected = written.samples[static_cast<size_t>(s)];
         EXPECT_EQ(sample.GetNumber(), expected.number);
         EXPECT_EQ(sample.IsControl(), expected.sampleType == "QC"); // "QC" reads as "Control"
         EXPECT_EQ(sample.IsAnalyte(), expected.sampleType == "Analyte");
+        // Every analyte is linked to the control of its group (same processing, same parent).
+        if (sample.IsControl()) {
+            control = &sample;
+        } else {
+            EXPECT_EQ(sample.GetControlSample(), control);
+        }
         EXPECT_FLOAT_EQ(sample.GetSubjectTime(), static_cast<float>(expected.subjectTime));
         CString text;
         sample.GetFileName(text);
@@ -142,25 +95,32 @@ TEST(ExampleBatchTest, SampleHeadersCompoundsParametersAndMassDefectFilterReadBa
     }
 }
 
-TEST(ExampleBatchTest, FunctionsChromatogramsPeaksAndSpectraReadBack) {
+TEST(ExampleBatchTest, FunctionsChromatogramsPeaksSpectraAndAnalogChannelsReadBack) {
     const BatchSummary& written = ExampleSummary();
-    const std::vector<Acquisition> samples = ReadAcquisitions();
-    ASSERT_EQ(samples.size(), written.samples.size());
-    for (size_t s = 0; s < samples.size(); ++s) {
+    CSamples& samples = Example();
+    ASSERT_EQ(samples.GetSamplesCount(), static_cast<int>(written.samples.size()));
+    for (int s = 0; s < samples.GetSamplesCount(); ++s) {
         SCOPED_TRACE("sample " + std::to_string(s + 1));
-        const SampleSummary& expected = written.samples[s];
-        std::vector<CFunctionData> functions = samples[s].functions;
-        ASSERT_EQ(functions.size(), expected.functions.size());
-        for (size_t f = 0; f < functions.size(); ++f) {
-            CFunctionData& function = functions[f];
-            const FunctionSummary& summary = expected.functions[f];
+        CSampleData& sample = *samples.GetSample(s);
+        const SampleSummary& expected = written.samples[static_cast<size_t>(s)];
+        ASSERT_EQ(sample.GetFunctionCount(), static_cast<int>(expected.functions.size()));
+        for (int f = 0; f < sample.GetFunctionCount(); ++f) {
+            CFunctionData& function = *sample.GetFunction(f);
+            const FunctionSummary& summary = expected.functions[static_cast<size_t>(f)];
             EXPECT_EQ(function.GetNumber(), summary.number);
             EXPECT_EQ(function.IsPDA(), summary.type == "Diode Array");
             ASSERT_EQ(function.GetNumChromatogram(),
                       static_cast<int>(summary.chromatograms.size()));
             for (int c = 0; c < function.GetNumChromatogram(); ++c) {
-                ExpectChromatogram(*function.GetChromatogram(c),
-                                   summary.chromatograms[static_cast<size_t>(c)]);
+                const ChromatogramSummary& trace = summary.chromatograms[static_cast<size_t>(c)];
+                ExpectChromatogram(*function.GetChromatogram(c), trace);
+                // Every listed peak is found again by its identifier, function and trace.
+                for (int peakId : trace.peakIds) {
+                    const CChromatogramPeak* peak =
+                        sample.GetCorispondingPeakInfo(peakId, summary.number, trace.traceNumber);
+                    ASSERT_NE(peak, nullptr) << peakId;
+                    EXPECT_EQ(peak->GetPeakID(), peakId);
+                }
             }
             ASSERT_EQ(function.GetNumSpectra(false),
                       static_cast<int>(summary.spectrumPeakIds.size()));
@@ -178,7 +138,7 @@ TEST(ExampleBatchTest, FunctionsChromatogramsPeaksAndSpectraReadBack) {
         }
         // The diode-array trace is written in percent of its maximum; read back, its highest
         // point is that maximum again.
-        CChromatoData* diode = functions[2].GetChromatogram(0);
+        CChromatoData* diode = sample.GetFunction(2)->GetChromatogram(0);
         ASSERT_NE(diode, nullptr);
         float maximum = 0.0f;
         diode->GetMaxIntensity(maximum);
@@ -190,10 +150,17 @@ TEST(ExampleBatchTest, FunctionsChromatogramsPeaksAndSpectraReadBack) {
         }
         EXPECT_NEAR(highest, maximum, maximum * 1e-4);
 
-        ASSERT_EQ(samples[s].analogChannels.size(), expected.analogChannels.size());
-        for (size_t a = 0; a < expected.analogChannels.size(); ++a) {
-            ExpectChromatogram(samples[s].analogChannels[a], expected.analogChannels[a]);
+        ASSERT_EQ(sample.GetAnalogCount(), static_cast<int>(expected.analogChannels.size()));
+        for (int a = 0; a < sample.GetAnalogCount(); ++a) {
+            ExpectChromatogram(*sample.GetAnalogChannel(a),
+                               expected.analogChannels[static_cast<size_t>(a)]);
         }
+        // The parent's spectrum is found from its peak; its peak lies on several traces of one
+        // cluster (low- and high-energy mass chromatograms, both total ion currents, diode
+        // array).
+        ASSERT_NE(sample.GetCorrespondingSpectrum(1), nullptr);
+        const int cluster = sample.GetCorispondingPeakInfo(1, 0)->GetPeakClusterID();
+        EXPECT_GE(sample.GetNumberOfChroGraphsInCluster(cluster), 4);
     }
 }
 
