@@ -4,10 +4,13 @@
 
 #include <quillon/platform/Array.h>
 #include <quillon/platform/ChartSettings.h>
+#include <quillon/platform/Elements.h>
 #include <quillon/platform/Exception.h>
 #include <quillon/platform/File.h>
 #include <quillon/platform/FileException.h>
+#include <quillon/platform/Formula.h>
 #include <quillon/platform/HostHooks.h>
+#include <quillon/platform/IsotopeModel.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
 #include <quillon/platform/ProcessInfo.h>
