@@ -342,3 +342,32 @@ TEST_F(SampleDataNavigationTest, RangeAndPositivityOverAllFunctions) {
     EXPECT_EQ(empty.GetTrace(1), nullptr);
     EXPECT_EQ(empty.GetCorispondingPeakInfo(1, 0), nullptr);
 }
+
+TEST(SampleDataFunctionAppendTest, ContinuationsReadOnFromOutsideTheirBlock) {
+    // The look-up of the function number consumes the block's "{", so the continued function
+    // reads on past the block's "}" and takes the next section of the sample as its own.
+    CSampleData sample;
+    TempFile report;
+    report.Write("{\n[FUNCTION]\n{\nFunction\t1\nType\tMS\n}\n"
+                 "[FUNCTION_APPEND]\n{\nFunction\t1\nIonMode\tES-\n}\n"
+                 "[ANALOG]\n{\nDescription\tANALOG 1\nTraceNumber\t20\n}\n"
+                 "[FUNCTION_APPEND]\n{\nFunction\t7\nType\tDAD\n}\n"
+                 "}\n");
+    CDelimitFile file(report.c_str(), CFile::modeRead);
+    sample.Read(&file);
+
+    ASSERT_EQ(sample.GetFunctionCount(), 2);
+    CFunctionData* continued = sample.GetFunction(0);
+    CString text;
+    continued->GetIonMode(text);
+    EXPECT_EQ(text, "ES-");
+    continued->GetDescription(text);
+    EXPECT_EQ(text, "ANALOG 1"); // the analog section's field, read by the function
+    EXPECT_TRUE(continued->IsAnalog());
+    EXPECT_EQ(sample.GetAnalogCount(), 0);
+
+    // An unknown function number starts a new function, without the number's line.
+    CFunctionData* started = sample.GetFunction(1);
+    EXPECT_EQ(started->GetNumber(), 0);
+    EXPECT_TRUE(started->IsPDA());
+}
