@@ -65,8 +65,12 @@ void* operator new(std::size_t size) {
         return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
 #pragma GCC diagnostic pop
 
 BENCHMARK(ReadWithRecords)->Arg(1'000'000)->Unit(benchmark::kMillisecond);

@@ -1,4 +1,5 @@
 #include <quillon/companions/TarnwickIniInterface.h>
+#include <quillon/platform/HostHooks.h>
 
 #include <quillon/platform/ProfileFile.h>
 
@@ -42,9 +43,6 @@ CCompoundData ParseLoss(const CString& value) {
 }
 
 } // namespace
-
-CTarnwickIniInterface::CTarnwickIniInterface(CString workingDirectory)
-    : m_strWorkingDirectory(std::move(workingDirectory)) {}
 
 bool CTarnwickIniInterface::GetNeutralLosses(CCompounds& losses, bool selectedOnly) const {
     const CString path = IniPath();
@@ -92,13 +90,8 @@ void CTarnwickIniInterface::SetNeutralLosses(const CCompounds& losses) const {
     ini.Save();
 }
 
-CString CTarnwickIniInterface::IniPath() const {
-    std::filesystem::path directory(m_strWorkingDirectory.str());
-    if (directory.empty()) {
-        std::error_code error;
-        directory = std::filesystem::current_path(error);
-    }
-    return CString((directory / kIniFileName).string());
+CString CTarnwickIniInterface::IniPath() {
+    return CString((std::filesystem::path(GetWorkingDirectory().str()) / kIniFileName).string());
 }
 
 } // namespace quillon

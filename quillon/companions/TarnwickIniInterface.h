@@ -11,8 +11,7 @@ namespace quillon {
 // by their lengths counted from the end, so a name or formula may contain commas.
 class CTarnwickIniInterface {
 public:
-    // The settings file lives in workingDirectory; an empty text means the current directory.
-    explicit CTarnwickIniInterface(CString workingDirectory = CString());
+    CTarnwickIniInterface() = default;
     virtual ~CTarnwickIniInterface() = default;
 
     // Appends the stored losses, in key order, to losses (which is not emptied first); with
@@ -25,9 +24,8 @@ public:
     void SetNeutralLosses(const CCompounds& losses) const;
 
 private:
-    CString IniPath() const;
-
-    CString m_strWorkingDirectory;
+    // "Tarnwick.ini" in the host's working directory (the working-directory hook).
+    static CString IniPath();
 };
 
 } // namespace quillon

@@ -1,6 +1,7 @@
 #include <quillon/platform/HostHooks.h>
 
 #include <cstdio>
+#include <filesystem>
 
 namespace quillon {
 
@@ -26,6 +27,13 @@ int ShowMessage(const CString& text, const CString& title, MessageIcon icon) {
         return show(text, title, icon);
     std::fprintf(stderr, "%s: %s\n", title.c_str(), text.c_str());
     return kMessageOk;
+}
+
+CString GetWorkingDirectory() {
+    if (const auto& directory = Hooks().workingDirectory)
+        return directory();
+    std::error_code error;
+    return CString(std::filesystem::current_path(error).string());
 }
 
 } // namespace quillon

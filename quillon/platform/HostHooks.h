@@ -18,6 +18,9 @@ constexpr int kMessageOk = 1;
 struct HostHooks {
     // Shows a message to the user. Default: writes "title: text" to standard error.
     std::function<int(const CString& text, const CString& title, MessageIcon icon)> showMessage;
+    // The host suite's working directory, where its settings file lives. Default: the current
+    // working directory of the process.
+    std::function<CString()> workingDirectory;
 };
 
 // Replaces the host hooks as a whole.
@@ -27,5 +30,8 @@ const HostHooks& GetHostHooks();
 
 // Shows a message through the message hook; returns its answer.
 int ShowMessage(const CString& text, const CString& title, MessageIcon icon);
+
+// The host's working directory, through the working-directory hook.
+CString GetWorkingDirectory();
 
 } // namespace quillon

@@ -1,4 +1,5 @@
 #include <quillon/companions/TarnwickIniInterface.h>
+#include <quillon/platform/HostHooks.h>
 
 #include <support/TempFile.h>
 
@@ -18,9 +19,17 @@ constexpr const char* kOtherSettings = "; suite settings\n"
                                        "Colour=blue\n"
                                        "\n";
 
+// Every test works in its own folder, which the host hook names as the working directory.
 class TarnwickIniInterfaceTest : public ::testing::Test {
 protected:
-    CTarnwickIniInterface Settings() const { return CTarnwickIniInterface(m_directory.c_str()); }
+    void SetUp() override {
+        HostHooks hooks;
+        hooks.workingDirectory = [this] { return CString(m_directory.string()); };
+        SetHostHooks(hooks);
+    }
+    void TearDown() override { SetHostHooks({}); }
+
+    CTarnwickIniInterface Settings() const { return CTarnwickIniInterface(); }
     void WriteFile(const std::string& content) const { m_file.Write(content); }
     std::string ReadFile() const { return m_file.Read(); }
 
@@ -123,7 +132,8 @@ TEST_F(TarnwickIniInterfaceTest, EmptyListAndMissingFileAndCurrentDirectory) {
     EXPECT_EQ(ReadFile(), "[Hollbeck Neutral Losses]\n");
     EXPECT_FALSE(Settings().GetNeutralLosses(losses, false));
 
-    // Without a directory the file is taken from the current working directory.
+    // Without a working-directory hook the file is taken from the current working directory.
+    SetHostHooks({});
     const fs::path previous = fs::current_path();
     fs::current_path(m_directory);
     CTarnwickIniInterface().SetNeutralLosses(losses);

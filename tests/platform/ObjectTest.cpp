@@ -43,12 +43,14 @@ TEST(ObjectTest, DynamicCreationMakesDefaultObjects) {
 TEST(ObjectTest, MessagesGoThroughTheHostHook) {
     CString shownText, shownTitle;
     MessageIcon shownIcon = MessageIcon::Information;
-    SetHostHooks({.showMessage = [&](const CString& text, const CString& title, MessageIcon icon) {
+    HostHooks hooks;
+    hooks.showMessage = [&](const CString& text, const CString& title, MessageIcon icon) {
         shownText = text;
         shownTitle = title;
         shownIcon = icon;
         return 7;
-    }});
+    };
+    SetHostHooks(hooks);
     EXPECT_EQ(ShowMessage("Something", "Title", MessageIcon::Exclamation), 7);
     EXPECT_EQ(shownText, "Something");
     EXPECT_EQ(shownTitle, "Title");
