@@ -13,158 +13,50 @@ using quillon::testing::TempFile;
 
 namespace {
 
+std::string Peak(int id, int cluster, const char* time = "0") {
+    return "[PEAK]\n{\nPeak ID\t" + std::to_string(id) + "\nPeak Cluster ID\t" +
+           std::to_string(cluster) + "\nTime\t" + time + "\n}\n";
+}
+
+// A "CHROMATOGRAM" section; points are "time\tintensity" lines.
+std::string Chromatogram(const char* description, int trace, int inFunction, const char* points,
+                         const std::string& peaks) {
+    return std::string("[CHROMATOGRAM]\n{\nDescription\t") + description + "\nTraceNumber\t" +
+           std::to_string(trace) + "\nTraceNumberInFunction\t" + std::to_string(inFunction) +
+           "\n[TRACE]\n{\n" + points + "}\n" + peaks + "}\n";
+}
+
+// A "SPECTRUM" section with a peak identifier and optional "RESULTS" lines.
+std::string Spectrum(int peakID, const char* results = "") {
+    return "[SPECTRUM]\n{\nPeak ID\t" + std::to_string(peakID) + "\n[RESULTS]\n{\n" + results +
+           "}\n}\n";
+}
+
 // A "[SAMPLE]" block with two functions, an analog channel and a function continued at the end.
-// Cluster 3 is spread over five chromatograms (peak 10 sits on three of them, and twice in
-// cluster 3 on trace 1); trace numbers in function: traces 1 and 3 are 1, traces 2 and 4 are 2,
-// trace 5 is 3.
-const char* const kSampleBlock = R"({
-Sample	1
-[FUNCTION]
-{
-Function	1
-Type	MS
-IonMode	ES+
-[CHROMATOGRAM]
-{
-Description	TIC
-TraceNumber	1
-TraceNumberInFunction	1
-[TRACE]
-{
-1.0	10
-2.0	20
-3.0	10
+// Cluster 3 is spread over five chromatograms (peak 10 sits on three of them, and trace 1 holds
+// two peaks of cluster 3); trace numbers in function: traces 1 and 3 are 1, traces 2 and 4 are 2,
+// trace 5 is 3, the analog channel 0.
+std::string SampleBlock() {
+    return "{\nSample\t1\n"
+           "[FUNCTION]\n{\nFunction\t1\nType\tMS\n" +
+           Chromatogram("TIC", 1, 1, "1.0\t10\n2.0\t20\n3.0\t10\n",
+                        Peak(10, 3, "1.5") + Peak(11, 3, "2.5")) +
+           Chromatogram("XIC:455.2", 2, 2, "0.5\t1\n4.0\t2\n", Peak(12, 4) + Peak(10, 3, "1.6")) +
+           Spectrum(10, "455.2\t1\t50\t0.9\t1\tfine\n") + "}\n" +
+           "[FUNCTION]\n{\nFunction\t2\nType\tMS\n" +
+           Chromatogram("TIC", 3, 1, "0.8\t1\n5.0\t3\n", Peak(10, 3, "1.7")) +
+           Chromatogram("XIC:455.2", 4, 2, "0.7\t1\n4.5\t3\n", Peak(13, 3)) +
+           Spectrum(10, "455.2\t1\t50\t0.9\t0\tweak\n") + Spectrum(13) + "}\n" +
+           "[ANALOG]\n{\nDescription\tAnalog 1\nTraceNumber\t20\nTraceNumberInFunction\t0\n}\n"
+           "[FUNCTION_APPEND]\n{\nFunction\t1\n" +
+           Chromatogram("BPI", 5, 3, "0.6\t1\n2.0\t1\n", Peak(14, 3)) + "}\n}\n";
 }
-[PEAK]
-{
-Peak ID	10
-Peak Cluster ID	3
-Time	1.5
-}
-[PEAK]
-{
-Peak ID	11
-Peak Cluster ID	3
-Time	2.5
-}
-}
-[CHROMATOGRAM]
-{
-Description	XIC:455.2
-TraceNumber	2
-TraceNumberInFunction	2
-[TRACE]
-{
-0.5	1
-4.0	2
-}
-[PEAK]
-{
-Peak ID	12
-Peak Cluster ID	4
-}
-[PEAK]
-{
-Peak ID	10
-Peak Cluster ID	3
-Time	1.6
-}
-}
-[SPECTRUM]
-{
-Peak ID	10
-[RESULTS]
-{
-455.2	1	50	0.9	1	fine
-}
-}
-}
-[FUNCTION]
-{
-Function	2
-Type	MS
-IonMode	ES+
-[CHROMATOGRAM]
-{
-Description	TIC
-TraceNumber	3
-TraceNumberInFunction	1
-[TRACE]
-{
-0.8	1
-5.0	3
-}
-[PEAK]
-{
-Peak ID	10
-Peak Cluster ID	3
-Time	1.7
-}
-}
-[CHROMATOGRAM]
-{
-Description	XIC:455.2
-TraceNumber	4
-TraceNumberInFunction	2
-[TRACE]
-{
-0.7	1
-4.5	3
-}
-[PEAK]
-{
-Peak ID	13
-Peak Cluster ID	3
-}
-}
-[SPECTRUM]
-{
-Peak ID	10
-Time	1.7
-[RESULTS]
-{
-455.2	1	50	0.9	0	weak
-}
-}
-[SPECTRUM]
-{
-Peak ID	13
-}
-}
-[ANALOG]
-{
-Description	Analog 1
-TraceNumber	20
-TraceNumberInFunction	0
-}
-[FUNCTION_APPEND]
-{
-Function	1
-[CHROMATOGRAM]
-{
-Description	BPI
-TraceNumber	5
-TraceNumberInFunction	3
-[TRACE]
-{
-0.6	1
-2.0	1
-}
-[PEAK]
-{
-Peak ID	14
-Peak Cluster ID	3
-}
-}
-}
-}
-)";
 
 class SampleDataNavigationTest : public ::testing::Test {
 protected:
     void SetUp() override {
         TempFile report;
-        report.Write(kSampleBlock);
+        report.Write(SampleBlock());
         CDelimitFile file(report.c_str(), CFile::modeRead);
         ASSERT_EQ(sample.Read(&file), 1);
     }
