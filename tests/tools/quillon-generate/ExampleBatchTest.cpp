@@ -11,6 +11,7 @@
 #include <quillon/document/Samples.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/platform/Formula.h>
+#include <quillon/platform/HostHooks.h>
 
 #include <gtest/gtest.h>
 
@@ -166,12 +167,20 @@ TEST(ExampleBatchTest, FunctionsChromatogramsPeaksSpectraAndAnalogChannelsReadBa
 
 TEST(ExampleBatchTest, NeutralLossListReadsBackFromTheSettingsFile) {
     const BatchSummary& written = ExampleSummary();
-    const CTarnwickIniInterface settings{CString(kExamples)};
+    // The settings file is found in the host's working directory: here, the examples folder.
+    const HostHooks saved = GetHostHooks();
+    HostHooks hooks = saved;
+    hooks.workingDirectory = [] { return CString(kExamples); };
+    SetHostHooks(hooks);
+    const CTarnwickIniInterface settings;
     CCompounds all;
-    ASSERT_TRUE(settings.GetNeutralLosses(all, false));
-    EXPECT_EQ(all.GetSize(), written.neutralLosses);
+    const bool readAll = settings.GetNeutralLosses(all, false);
     CCompounds selected;
-    ASSERT_TRUE(settings.GetNeutralLosses(selected, true));
+    const bool readSelected = settings.GetNeutralLosses(selected, true);
+    SetHostHooks(saved);
+    ASSERT_TRUE(readAll);
+    ASSERT_TRUE(readSelected);
+    EXPECT_EQ(all.GetSize(), written.neutralLosses);
     EXPECT_EQ(selected.GetSize(), written.selectedNeutralLosses);
     bool sawCommaInName = false;
     for (int i = 0; i < all.GetSize(); ++i) {
