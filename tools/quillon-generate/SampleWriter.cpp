@@ -68,6 +68,7 @@ SampleSummary CSampleWriter::Write(const SamplePlan& plan, int sampleIndex) {
     m_file.WriteBlockStart();
     WriteHeader(plan, summary);
     WriteCompoundAndParameters(summary);
+    WriteSearchLists();
     WriteLowEnergyFunction(plan, summary);
     WriteHighEnergyFunction(plan, summary);
     WriteDiodeArrayFunction(plan, summary);
@@ -128,6 +129,35 @@ void CSampleWriter::WriteHeader(const SamplePlan& plan, SampleSummary& summary) 
     f.WriteRecord("%s%s", "Conditions", "HSS T3 2.1x100 mm, 0.1% formic acid, 5-95% MeCN");
     f.WriteRecord("%s%s", "Submitter", "DMPK Discovery");
     summary.headerFields = 32;
+}
+
+void CSampleWriter::WriteSearchLists() {
+    CReportFile& f = m_file;
+    f.WriteSectionHeader("METABOLITE COMPOUNDS");
+    f.WriteBlockStart();
+    f.WriteComment("%s%s%s", "Mass shift", "Formula change", "Name");
+    for (size_t k = 1; k < m_searched.size(); ++k) {
+        const Biotransformation& change = m_searched[k];
+        std::string text;
+        if (!change.added.IsEmpty()) {
+            text += "+" + change.added.ToString();
+        }
+        if (!change.removed.IsEmpty()) {
+            text += "-" + change.removed.ToString();
+        }
+        f.WriteRecord("%.4f%s%s", ShiftOf(m_drug.Apply(change)), text.c_str(), change.name.c_str());
+    }
+    f.WriteBlockEnd();
+    f.WriteSectionHeader("NEUTRAL LOSS COMPOUNDS");
+    f.WriteBlockStart();
+    f.WriteComment("%s%s%s", "Mass", "Formula", "Name");
+    for (const NeutralLossDefinition& loss : m_drug.NeutralLosses()) {
+        if (loss.selected) {
+            f.WriteRecord("%.4f%s%s", loss.formula.MonoisotopicMass(), loss.formulaText.c_str(),
+                          loss.name.c_str());
+        }
+    }
+    f.WriteBlockEnd();
 }
 
 void CSampleWriter::WriteCompoundAndParameters(SampleSummary& summary) {
@@ -275,9 +305,9 @@ SpectrumHeader CSampleWriter::SpectrumAt(const char* trace, const PeakResult& ex
     return header;
 }
 
-void CSampleWriter::WriteSurveySpectra(const char* trace, int traceNumber,
-                                       FunctionSummary& summary) {
-    for (int i = 0; i < m_options.surveySpectra; ++i) {
+void CSampleWriter::WriteSurveySpectra(const char* trace, int traceNumber, FunctionSummary& summary,
+                                       int first, int count) {
+    for (int i = first; i < first + count; ++i) {
         const double time = kRunMinutes * (i + 0.5) / m_options.surveySpectra;
         PeakResult at{};
         at.apexTime = at.startTime = at.endTime = RoundFixed(time, 4);
@@ -342,8 +372,21 @@ void CSampleWriter::WriteLowEnergyFunction(const SamplePlan& plan, SampleSummary
         function.spectrumMasses += counts.masses;
         function.spectrumResults += counts.results;
     }
-    WriteSurveySpectra(kLowLabel, plan.ticTrace, function);
     m_file.WriteBlockEnd();
+
+    // The survey spectra follow in continuation sections of the function. These come in pairs:
+    // a reader continues a function from the line after the block start, so it reads on to the
+    // end of the next block, which is then the second continuation of the same function.
+    const int surveys = m_options.surveySpectra;
+    const int firstPart = (surveys + 1) / 2;
+    for (int part = 0; part < 2; ++part) {
+        m_file.WriteSectionHeader("FUNCTION_APPEND");
+        m_file.WriteBlockStart();
+        m_file.WriteRecord("%s%d", "Function", 1);
+        WriteSurveySpectra(kLowLabel, plan.ticTrace, function, part == 0 ? 0 : firstPart,
+                           part == 0 ? firstPart : surveys - firstPart);
+        m_file.WriteBlockEnd();
+    }
     summary.functions.push_back(std::move(function));
 }
 
@@ -411,7 +454,7 @@ void CSampleWriter::WriteHighEnergyFunction(const SamplePlan& plan, SampleSummar
         function.spectrumPeakIds.push_back(c.peakId);
         function.spectrumPoints.push_back(counts.points);
     }
-    WriteSurveySpectra(kHighLabel, plan.highTicTrace, function);
+    WriteSurveySpectra(kHighLabel, plan.highTicTrace, function, 0, m_options.surveySpectra);
     m_file.WriteBlockEnd();
     summary.functions.push_back(std::move(function));
 }

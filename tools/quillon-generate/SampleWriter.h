@@ -56,7 +56,11 @@ private:
                              const char* description, int coneVoltage, double collisionEnergy);
     SpectrumHeader SpectrumAt(const char* trace, const PeakResult& extent, int traceNumber,
                               int peakId, int clusterId) const;
-    void WriteSurveySpectra(const char* trace, int traceNumber, FunctionSummary& summary);
+    // Writes the survey spectra first to first + count - 1 of the function's survey spectra.
+    void WriteSurveySpectra(const char* trace, int traceNumber, FunctionSummary& summary, int first,
+                            int count);
+    // The lists the processing searched with; the reader of a report passes over them.
+    void WriteSearchLists();
     TraceShape BaseShape() const;
 
     // One MS-layout metabolite row.

@@ -162,7 +162,15 @@ TEST(ReportGeneratorTest, FileHoldsWhatTheSummaryCounts) {
                 }
                 EXPECT_EQ(peaks, trace.peakIds.size());
             }
-            const auto spectra = functions[f]->Children("SPECTRUM");
+            // Spectra of the function, then those of its continuation sections.
+            auto spectra = functions[f]->Children("SPECTRUM");
+            for (const Section* append : sample.Children("FUNCTION_APPEND")) {
+                if (append->Field("Function") == std::to_string(function.number)) {
+                    for (const Section* spectrum : append->Children("SPECTRUM")) {
+                        spectra.push_back(spectrum);
+                    }
+                }
+            }
             ASSERT_EQ(spectra.size(), function.spectrumPeakIds.size());
             int masses = 0;
             int results = 0;
