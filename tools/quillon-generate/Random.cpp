@@ -52,11 +52,6 @@ double CRandom::Uniform(double low, double high) {
     return low + (high - low) * Uniform();
 }
 
-int CRandom::Integer(int low, int high) {
-    const uint64_t span = static_cast<uint64_t>(high - low) + 1;
-    return low + static_cast<int>(Next() % span);
-}
-
 double CRandom::QuickNormal() {
     const uint64_t bits = Next();
     const double sum = static_cast<double>((bits & 0xFFFF) + ((bits >> 16) & 0xFFFF) +

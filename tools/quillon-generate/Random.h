@@ -20,8 +20,6 @@ public:
     double Uniform();
     // Uniform in [low, high).
     double Uniform(double low, double high);
-    // Uniform integer in [low, high].
-    int Integer(int low, int high);
     // Standard normal (mean 0, deviation 1).
     double Normal();
     // Mean 0, deviation 1, bell-shaped and bounded to +-3.46: the sum of four uniforms from one
