@@ -209,6 +209,9 @@ public:
     // Peaks and clusters. The "n-th peak" lookups count matching peaks from 0; the "n-th
     // chromatogram" lookups count chromatograms from 1; counters count each chromatogram once.
     CChromatogramPeak* GetCorispondingPeakInfo(int peakID, int n);
+    // Within the given trace of the function with that number when both numbers are at least 1
+    // and the function number does not exceed the function count; otherwise, or when that
+    // function lacks the trace, the first peak with the identifier. Null for an identifier below 1.
     CChromatogramPeak* GetCorispondingPeakInfo(int peakID, int functionNumber, int trace);
     CChromatoData* GetCorispondingChroMatogram(int peakID, int n);
     int GetCorispondingChromatNumber(int peakID, int n); // 0 when none
