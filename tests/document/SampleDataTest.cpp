@@ -233,28 +233,6 @@ TEST(SampleDataTest, AnAppendedSectionAddsToTheSample) {
     EXPECT_EQ(sample.GetCompoundCount(), 2);
 }
 
-TEST(SampleDataTest, CopiesAreDeepButLinksAreShared) {
-    CSampleData control;
-    CSampleData sample;
-    sample.SetNumber(8);
-    sample.SetControlSample(&control);
-    sample.AddCompound(CCompoundData(10.0, "", "a"));
-
-    CSampleData copy(sample);
-    sample.GetCompound(0)->SetMass(20.0);
-    sample.SetNumber(9);
-    EXPECT_EQ(copy.GetNumber(), 8);
-    EXPECT_DOUBLE_EQ(copy.GetCompound(0)->GetMass(), 10.0);
-    EXPECT_EQ(copy.GetControlSample(), &control);
-
-    CSampleData moved(std::move(copy));
-    EXPECT_EQ(moved.GetCompoundCount(), 1);
-    EXPECT_EQ(moved.AddCompound(), 2);
-    moved.Empty();
-    EXPECT_EQ(moved.GetCompoundCount(), 0);
-    EXPECT_EQ(moved.GetCompound(), nullptr);
-}
-
 TEST(SampleDataTest, WriteWritesNothing) {
     TempFile file;
     file.Write("unchanged\n");

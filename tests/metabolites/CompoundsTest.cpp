@@ -25,31 +25,6 @@ CString NameOf(const CCompoundData& compound) {
 
 } // namespace
 
-TEST(CompoundDataTest, ConstructionAndCopyKeepEveryMember) {
-    CCompoundData compound(180.0634, "C6H12O6", "Glucose");
-    compound.SetSelected(true);
-
-    CCompoundData copy(compound);
-    CString formula;
-    copy.GetFormula(formula);
-    EXPECT_DOUBLE_EQ(copy.GetMass(), 180.0634);
-    EXPECT_EQ(formula, "C6H12O6");
-    EXPECT_EQ(NameOf(copy), "Glucose");
-    EXPECT_TRUE(copy.IsSelected());
-
-    CCompoundData assigned;
-    assigned = compound;
-    compound.SetName("Changed");
-    EXPECT_EQ(NameOf(assigned), "Glucose");
-    EXPECT_TRUE(assigned.IsSelected());
-
-    const CCompoundData empty;
-    EXPECT_EQ(empty.GetMass(), 0.0);
-    EXPECT_EQ(NameOf(empty), "");
-    EXPECT_FALSE(empty.IsSelected());
-    EXPECT_STREQ(empty.GetRuntimeClass()->m_lpszClassName, "CCompoundData");
-}
-
 TEST(CompoundsTest, SortPutsNonNegativeMassesFirstThenNegativesByMagnitude) {
     CCompounds list;
     for (double mass : {18.0106, -2.0, 0.0, 15.9949, -15.9949})
