@@ -97,7 +97,12 @@ std::vector<Biotransformation> SearchedTransformations(const CDrugModel& drug, i
     for (size_t i = 1; i < base.size() && static_cast<int>(searched.size()) <= count; ++i) {
         for (size_t j = i + 1; j < base.size() && static_cast<int>(searched.size()) <= count; ++j) {
             Biotransformation combined = Combine(base[i], base[j]);
-            if (drug.Apply(combined).IsNonNegative()) {
+            const CFormula product = drug.Apply(combined);
+            // A combination that gives a product already searched for (hydroxylation and
+            // glucuronidation, say) is not searched twice.
+            const bool known = std::any_of(searched.begin(), searched.end(),
+                                           [&](const auto& s) { return drug.Apply(s) == product; });
+            if (product.IsNonNegative() && !known) {
                 searched.push_back(std::move(combined));
             }
         }

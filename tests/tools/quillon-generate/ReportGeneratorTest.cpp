@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 
 namespace quillon::generate {
@@ -41,17 +42,37 @@ GeneratorOptions SmallBatch(const std::string& name) {
     return options;
 }
 
-// One batch generated once and shared by the structure tests.
+// A batch generated once and shared by the structure tests.
 struct Generated {
-    GeneratorOptions options = SmallBatch("structure.txt");
-    BatchSummary summary = GenerateBatch(options);
-    Section tree = ReadReportTree(options.reportPath);
+    explicit Generated(GeneratorOptions generatorOptions)
+        : options(std::move(generatorOptions)), summary(GenerateBatch(options)),
+          tree(ReadReportTree(options.reportPath)) {}
+    GeneratorOptions options;
+    BatchSummary summary;
+    Section tree;
 };
 
-const Generated& Batch() {
-    static const Generated generated;
-    return generated;
+// Batch 0: small, with a second control group. Batch 1: every scale option turned up, another
+// seed, searched combinations of biotransformations and all the unexpected products.
+const Generated& Batch(int which = 0) {
+    static const Generated small(SmallBatch("structure.txt"));
+    static const Generated scaled([] {
+        GeneratorOptions options = SmallBatch("scaled.txt");
+        options.samples = 6;
+        options.metabolites = 40;
+        options.unexpected = 6;
+        options.surveySpectra = 3;
+        options.noisePeaks = 40;
+        options.pointsPerTrace = 1500;
+        options.seed = 7;
+        return options;
+    }());
+    return which == 0 ? small : scaled;
 }
+
+// The consistency checks run on both batches.
+class ReportConsistencyTest : public ::testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(SmallAndScaled, ReportConsistencyTest, ::testing::Values(0, 1));
 
 // The points of a chromatogram, its continuation sections included, as a reader scales them.
 std::vector<std::pair<double, double>>
@@ -119,8 +140,8 @@ TEST(ReportGeneratorTest, SameSeedSameBytesOtherSeedOtherBytesWindowsLineEndsOnR
     EXPECT_NE(ReadAll(windows.iniPath).find("\r\n"), std::string::npos);
 }
 
-TEST(ReportGeneratorTest, FileHoldsWhatTheSummaryCounts) {
-    const Generated& batch = Batch();
+TEST_P(ReportConsistencyTest, FileHoldsWhatTheSummaryCounts) {
+    const Generated& batch = Batch(GetParam());
     const std::vector<const Section*> samples = batch.tree.Children("SAMPLE");
     const std::vector<const Section*> appends = batch.tree.Children("SAMPLE_APPEND");
     ASSERT_EQ(samples.size(), batch.summary.samples.size());
@@ -225,14 +246,14 @@ TEST(ReportGeneratorTest, FileHoldsWhatTheSummaryCounts) {
     }
 }
 
-TEST(ReportGeneratorTest, PeaksAreTheIntegralsOfTheirTraces) {
+TEST_P(ReportConsistencyTest, PeaksAreTheIntegralsOfTheirTraces) {
     struct Trace {
         const Section* chromatogram;
         std::vector<const Section*> continued;
         bool percent;
     };
     int checked = 0;
-    for (const Section* sample : Batch().tree.Children("SAMPLE")) {
+    for (const Section* sample : Batch(GetParam()).tree.Children("SAMPLE")) {
         std::vector<Trace> traces;
         for (const Section* function : sample->Children("FUNCTION")) {
             for (const Section* chromatogram : function->Children("CHROMATOGRAM")) {
@@ -325,9 +346,9 @@ bool HasSpectrum(const Section& sample, int function, int peakId) {
     return false;
 }
 
-TEST(ReportGeneratorTest, MetaboliteRowsPointAtPeaksAndPartnersFollowTheirParents) {
+TEST_P(ReportConsistencyTest, MetaboliteRowsPointAtPeaksAndPartnersFollowTheirParents) {
     int partners = 0;
-    for (const Section* sample : Batch().tree.Children("SAMPLE")) {
+    for (const Section* sample : Batch(GetParam()).tree.Children("SAMPLE")) {
         for (const char* table : {"EXPECTED METABOLITES", "UNEXPECTED METABOLITES"}) {
             int lastPeak = -1;
             int lastCluster = -1;
@@ -372,7 +393,45 @@ TEST(ReportGeneratorTest, MetaboliteRowsPointAtPeaksAndPartnersFollowTheirParent
             }
         }
     }
-    EXPECT_GT(partners, 10);
+    EXPECT_GT(partners, 5);
+}
+
+TEST(ReportGeneratorTest, ScaleOptionsSetTheAmounts) {
+    const Generated& scaled = Batch(1);
+    ASSERT_EQ(scaled.summary.samples.size(), 6u);
+    for (const SampleSummary& sample : scaled.summary.samples) {
+        for (const FunctionSummary& function : sample.functions) {
+            for (const ChromatogramSummary& chromatogram : function.chromatograms) {
+                EXPECT_EQ(chromatogram.points, 1500);
+            }
+            if (function.type == "MS") {
+                EXPECT_EQ(
+                    std::count(function.spectrumPeakIds.begin(), function.spectrumPeakIds.end(), 0),
+                    3); // survey spectra
+            }
+        }
+    }
+    // All 40 searched biotransformations (no product twice) and the parent have a row; the
+    // samples show more unexpected products than the default three.
+    const Section& last = *scaled.tree.Children("SAMPLE").back();
+    std::set<std::string> searched;
+    for (const auto& row : last.Child("EXPECTED METABOLITES")->rows) {
+        if (row[7] != "MSe fragments" && row[7] != "Exclude Mass") {
+            searched.insert(row[7]);
+        }
+    }
+    EXPECT_EQ(searched.size(), 41u);
+    std::set<std::string> unexpected;
+    for (const Section* sample : scaled.tree.Children("SAMPLE")) {
+        for (const auto& row : sample->Child("UNEXPECTED METABOLITES")->rows) {
+            // The nominal mass names the product (the measured mass varies from sample to sample).
+            unexpected.insert(std::to_string(std::lround(std::atof(row[1].c_str()))));
+        }
+    }
+    EXPECT_GT(unexpected.size(), 3u);
+    // Spectra carry the requested noise: many more points than the small batch's.
+    EXPECT_GT(scaled.summary.samples.back().functions[0].spectrumPoints.front(),
+              Batch(0).summary.samples.back().functions[0].spectrumPoints.front() + 20);
 }
 
 TEST(ReportGeneratorTest, SpectraShowIsotopeClustersAndFragmentsAtRealNeutralLosses) {
