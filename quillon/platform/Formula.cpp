@@ -32,6 +32,9 @@ public:
             Fail(m_text[m_pos] == ')' || m_text[m_pos] == ']' ? "closing bracket without opening"
                                                               : "unexpected character");
         }
+        if (std::all_of(counts.begin(), counts.end(), [](long long n) { return n == 0; })) {
+            Fail("no atoms"); // "C0": parsed, but there is nothing to weigh
+        }
         CFormula formula;
         std::span<const ElementData> elements = CElements::All();
         for (size_t i = 0; i < counts.size(); ++i) {

@@ -49,7 +49,7 @@ TEST(FormulaTest, GroupsMultipliersAndBlanksGiveTheSameCounts) {
 
 TEST(FormulaTest, UnparsableTextIsAnErrorNeverAPartialMass) {
     for (const char* text : {"", "   ", "C6H12O6)", "(CH3", "C2(H", "()", "c6", "Xy2", "Co",
-                             "C6H12O6!", "C6-H", "(CH2]2", "C999999"}) {
+                             "C6H12O6!", "C6-H", "(CH2]2", "C999999", "C0H0"}) {
         SCOPED_TRACE(text);
         EXPECT_THROW(CFormula::Parse(text), CFormulaError);
         CFormula untouched = CFormula::Parse("H2O");
