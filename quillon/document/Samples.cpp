@@ -272,12 +272,14 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     const CString program = GetModuleFilePath();
     const CString now = FormatLongLocalTime(std::time(nullptr));
     out->WriteComment("Metabolite sections updated by %s %s ", program.c_str(), now.c_str());
-    if (duplicatesDropped)
+    if (duplicatesDropped) {
         out->WriteComment("Duplicate samples removed by %s %s ", program.c_str(), now.c_str());
-    // A file rewritten in place may have become shorter: cut off what is left of its old content.
-    const int64_t end = out->GetPosition();
-    if (end != startPosition && end < out->GetLength())
-        out->SetLength(end);
+        // A file rewritten in place has lost the duplicates' lines: cut off what is left of its
+        // old content. (Text written before the copy began is kept.)
+        const int64_t end = out->GetPosition();
+        if (end != startPosition && end < out->GetLength())
+            out->SetLength(end);
+    }
     RemoveDuplicates();
     return 1;
 }
