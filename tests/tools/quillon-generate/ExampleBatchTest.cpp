@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <filesystem>
 
 namespace quillon::generate {
@@ -26,7 +28,9 @@ const std::string kReport = kExamples + "/" + QUILLON_EXAMPLE_REPORT;
 // What the generator writes for the example's options (the defaults).
 const BatchSummary& ExampleSummary() {
     static const BatchSummary summary = [] {
-        const std::string folder = std::string(QUILLON_GENERATE_WORK_DIR) + "/example";
+        // A folder of this process's own: tests run in parallel processes.
+        const std::string folder =
+            std::string(QUILLON_GENERATE_WORK_DIR) + "/example-" + std::to_string(::getpid());
         std::filesystem::create_directories(folder);
         GeneratorOptions options;
         options.reportPath = folder + "/" + QUILLON_EXAMPLE_REPORT;

@@ -12,6 +12,7 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <unistd.h>
 
 namespace quillon::generate {
 namespace {
@@ -26,9 +27,13 @@ std::string ReadAll(const std::string& path) {
     return text.str();
 }
 
+// A path in this process's own work folder: the test runner runs tests in parallel processes,
+// which must not write each other's reports.
 std::string WorkPath(const std::string& name) {
-    std::filesystem::create_directories(QUILLON_GENERATE_WORK_DIR);
-    return std::string(QUILLON_GENERATE_WORK_DIR) + "/" + name;
+    const std::string folder =
+        std::string(QUILLON_GENERATE_WORK_DIR) + "/process-" + std::to_string(::getpid());
+    std::filesystem::create_directories(folder);
+    return folder + "/" + name;
 }
 
 // A small batch that still has a second control group.
