@@ -2,6 +2,7 @@
 // what the generator wrote.
 
 #include "ReportGenerator.h"
+#include "WorkFolder.h"
 
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/FunctionData.h>
@@ -15,8 +16,6 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
 
 namespace quillon::generate {
@@ -28,9 +27,7 @@ const std::string kReport = kExamples + "/" + QUILLON_EXAMPLE_REPORT;
 // What the generator writes for the example's options (the defaults).
 const BatchSummary& ExampleSummary() {
     static const BatchSummary summary = [] {
-        // A folder of this process's own: tests run in parallel processes.
-        const std::string folder =
-            std::string(QUILLON_GENERATE_WORK_DIR) + "/example-" + std::to_string(::getpid());
+        const std::string folder = testing::ProcessWorkFolder() + "/example";
         std::filesystem::create_directories(folder);
         GeneratorOptions options;
         options.reportPath = folder + "/" + QUILLON_EXAMPLE_REPORT;

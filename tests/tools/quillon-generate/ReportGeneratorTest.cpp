@@ -1,5 +1,6 @@
 #include "ReportGenerator.h"
 #include "ReportTree.h"
+#include "WorkFolder.h"
 
 #include <quillon/platform/Formula.h>
 #include <quillon/platform/IsotopeModel.h>
@@ -12,7 +13,6 @@
 #include <map>
 #include <set>
 #include <sstream>
-#include <unistd.h>
 
 namespace quillon::generate {
 namespace {
@@ -27,13 +27,8 @@ std::string ReadAll(const std::string& path) {
     return text.str();
 }
 
-// A path in this process's own work folder: the test runner runs tests in parallel processes,
-// which must not write each other's reports.
 std::string WorkPath(const std::string& name) {
-    const std::string folder =
-        std::string(QUILLON_GENERATE_WORK_DIR) + "/process-" + std::to_string(::getpid());
-    std::filesystem::create_directories(folder);
-    return folder + "/" + name;
+    return testing::ProcessWorkFolder() + "/" + name;
 }
 
 // A small batch that still has a second control group.
