@@ -1,0 +1,107 @@
+#include <quillon/document/Samples.h>
+#include <quillon/platform/HostHooks.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+std::string ExampleReport() {
+    std::ifstream in(std::string(QUILLON_SOURCE_DIR) + "/examples/Chlorpromazine_HLM_batch.txt",
+                     std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+// Reads bytes as a report; the messages a damaged sample raises are collected, not shown.
+int ReadSamples(const TempFile& file, const std::string& bytes, int* messages = nullptr) {
+    file.Write(bytes);
+    HostHooks hooks;
+    hooks.showMessage = [messages](const CString&, const CString&, MessageIcon) {
+        if (messages != nullptr)
+            ++*messages;
+        return kMessageOk;
+    };
+    SetHostHooks(hooks);
+    CSamples samples;
+    const int result = samples.Read(file.c_str());
+    SetHostHooks({});
+    EXPECT_EQ(result, 1);
+    return samples.GetSamplesCount();
+}
+
+} // namespace
+
+// A report cut off anywhere is read as far as it goes: never more samples than the whole file
+// holds, and all of them once the cut lies past the last sample's header.
+TEST(SamplesDamagedInputTest, TruncatedReportsReadAsFarAsTheyGo) {
+    const std::string report = ExampleReport();
+    ASSERT_FALSE(report.empty());
+    TempFile file("cut.txt");
+    const int whole = ReadSamples(file, report);
+    ASSERT_GT(whole, 1);
+
+    constexpr int kCuts = 24;
+    int previous = 0;
+    for (int cut = 1; cut <= kCuts; ++cut) {
+        const size_t length = report.size() * static_cast<size_t>(cut) / kCuts;
+        const int count = ReadSamples(file, report.substr(0, length));
+        EXPECT_LE(count, whole) << "cut at " << length;
+        EXPECT_GE(count, previous) << "cut at " << length;
+        previous = count;
+    }
+    EXPECT_EQ(previous, whole);
+    const size_t lastHeader = report.rfind("[SAMPLE]");
+    EXPECT_EQ(ReadSamples(file, report.substr(0, lastHeader + 20)), whole);
+}
+
+// The number of sample headers of either kind in a text: no reading can make more samples.
+int SampleHeaders(const std::string& text) {
+    int count = 0;
+    for (size_t at = text.find("[SAMPLE"); at != std::string::npos;
+         at = text.find("[SAMPLE", at + 1))
+        ++count;
+    return count;
+}
+
+// Bytes that are no report at all, a report whose lines were shuffled, and reports with markers,
+// delimiters and line ends put in random places neither crash nor hang the reader.
+TEST(SamplesDamagedInputTest, GarbageShuffledAndMutatedReportsAreReadWithoutHarm) {
+    TempFile file("garbage.txt");
+    std::mt19937 random(12345);
+    std::string garbage(64 * 1024, '\0');
+    for (char& byte : garbage)
+        byte = static_cast<char>(random());
+    EXPECT_EQ(ReadSamples(file, garbage), 0);
+
+    const std::string report = ExampleReport();
+    std::istringstream lines(report);
+    std::vector<std::string> all;
+    for (std::string line; std::getline(lines, line);)
+        all.push_back(line);
+    std::shuffle(all.begin(), all.end(), random);
+    std::string shuffled;
+    for (const std::string& line : all)
+        shuffled += line + "\n";
+    EXPECT_LE(ReadSamples(file, shuffled), SampleHeaders(shuffled));
+
+    const std::string damage = "\t\n{}[];0-.eA";
+    for (int mutant = 0; mutant < 30; ++mutant) {
+        std::string mutated = report;
+        for (int change = 0; change < 40; ++change)
+            mutated[random() % mutated.size()] = damage[random() % damage.size()];
+        EXPECT_LE(ReadSamples(file, mutated), SampleHeaders(mutated)) << "mutant " << mutant;
+    }
+}
