@@ -94,6 +94,7 @@ void CChromatoData::MoveFrom(CChromatoData& source) noexcept {
     m_FunctionNumber = source.m_FunctionNumber;
     m_CustomChartParams = std::move(source.m_CustomChartParams);
     m_UsesCustomChartParams = source.m_UsesCustomChartParams;
+    m_HasPrinted = source.m_HasPrinted;
 }
 
 void CChromatoData::SetMaxintensity(const CString& text) {

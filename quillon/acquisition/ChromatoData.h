@@ -24,7 +24,8 @@ public:
     static constexpr int kCombinedTraceFunctionNumber = -100;
 
     CChromatoData() { Initialise(nullptr); }
-    // Copies carry everything except the printed flag, which stays the copy's own.
+    // Copies carry everything except the printed flag, which stays the copy's own. A move is the
+    // same trace changing place (as when its list grows) and carries the flag too.
     CChromatoData(const CChromatoData& source) { Initialise(&source); }
     CChromatoData(CChromatoData&& source) noexcept { MoveFrom(source); }
     CChromatoData& operator=(const CChromatoData& source);
@@ -154,7 +155,7 @@ private:
     int m_TraceNumber = -1;
     int m_TraceNumberInFunction = -1;
     int m_FunctionNumber = -1;
-    int m_HasPrinted = 0; // callers' own flag: neither reset nor copied
+    int m_HasPrinted = 0; // callers' own flag: neither reset nor copied, only moved
     CString m_CustomChartParams;
     int m_UsesCustomChartParams = 0;
 };

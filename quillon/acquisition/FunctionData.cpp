@@ -33,6 +33,16 @@ const char* FieldValue(const CStringArray& input) {
     return input.GetSize() > 1 ? input[1].c_str() : "";
 }
 
+// Gives target the length of source and assigns each element from the source's element of the
+// same index, so elements already there keep what assignment leaves alone (a spectrum's
+// description, a trace's printed flag).
+template <class T>
+void AssignElementwise(CArray<T>& target, const CArray<T>& source) {
+    target.SetSize(source.GetSize());
+    for (int i = 0; i < source.GetSize(); ++i)
+        target[i] = source[i];
+}
+
 } // namespace
 
 CFunctionData::CFunctionData() {
@@ -100,9 +110,9 @@ void CFunctionData::Initialise(const CFunctionData* source) {
     m_collisionEnergy = source->m_collisionEnergy;
     m_scanCycleTime = source->m_scanCycleTime;
     m_interScanDelay = source->m_interScanDelay;
-    m_spectra = source->m_spectra;
-    m_filteredSpectra = source->m_filteredSpectra;
-    m_chromatograms = source->m_chromatograms;
+    AssignElementwise(m_spectra, source->m_spectra);
+    AssignElementwise(m_filteredSpectra, source->m_filteredSpectra);
+    AssignElementwise(m_chromatograms, source->m_chromatograms);
 }
 
 void CFunctionData::SetConeVoltage(const CString& text) {
@@ -328,7 +338,8 @@ int CFunctionData::ReadSpectrum(CDelimitFile* file) {
     CSpectrumData spectrum;
     InitialiseCustomChartParams(&spectrum);
     spectrum.Read(file);
-    // Moved, not copied; like a copy, the stored spectrum does not take the description.
+    // Stored as a copy would be, without its description; moved so the points are not copied.
+    spectrum.SetDesc(CString());
     return m_spectra.Add(std::move(spectrum));
 }
 
@@ -347,9 +358,11 @@ int CFunctionData::ReadChromatogramAppend(CDelimitFile* file) {
     // The first line of the block names the trace to continue (its last element). The look-up
     // record has then taken the block's "{", so the chromatogram reads on with that same record
     // to the block's end.
+    // An empty block has closed already: reading on would take the lines that follow it.
     CFileRecord lookup;
     int traceNumber = 0;
-    if (lookup.Read(file) == 1) {
+    const bool blockOpen = lookup.Read(file) == 1;
+    if (blockOpen) {
         const CStringArray& input = *lookup.GetInput();
         if (!input.IsEmpty())
             traceNumber = std::atoi(input[input.GetUpperBound()]);
@@ -357,7 +370,8 @@ int CFunctionData::ReadChromatogramAppend(CDelimitFile* file) {
     CChromatoData* chromatogram = GetTrace(traceNumber);
     if (chromatogram == nullptr)
         chromatogram = &m_chromatograms[m_chromatograms.Add(CChromatoData())];
-    chromatogram->Read(file, lookup);
+    if (blockOpen)
+        chromatogram->Read(file, lookup);
     chromatogram->SetFunctionNumber(m_number);
     chromatogram->SetTraceType(m_traceType);
     return TRUE;

@@ -138,6 +138,8 @@ void CSpectrumData::MoveFrom(CSpectrumData& source) {
     m_points = std::move(source.m_points);
     m_masses = std::move(source.m_masses);
     m_results = std::move(source.m_results);
+    m_desc = std::move(source.m_desc);
+    m_hasPrinted = source.m_hasPrinted;
 }
 
 void CSpectrumData::SetTraceNumber(const CString& text) {

@@ -17,8 +17,9 @@ class CFileRecord;
 // points ("MS"), the extent of the chromatogram peak it was taken from, the identifiers that tie it
 // to peaks and peak clusters, the masses sought in it ("MASSES") and their results ("RESULTS").
 //
-// Copies (and moves) carry every member except the description and the printed mark: the target
-// keeps the description it had, so a spectrum stored in a function carries an empty description.
+// Copies carry every member except the description and the printed mark: the target keeps the
+// description it had, so a copy stored in a function carries an empty description. A move is the
+// same spectrum changing place (as when its list grows) and carries everything.
 class CSpectrumData : public CObject {
     QUILLON_DECLARE_DYNAMIC(CSpectrumData)
 
@@ -144,6 +145,7 @@ private:
     // Copies every member but the description and the printed mark from source, or sets the
     // defaults when source is null (the description is left as it is in both cases).
     void Initialise(const CSpectrumData* source);
+    // Takes every member from source, the description and the printed mark included.
     void MoveFrom(CSpectrumData& source);
 
     int NewField(const CStringArray& input, int id);

@@ -180,6 +180,60 @@ TEST(FunctionDataTest, AppendedChromatogramsExtendTheirTraceOrStartANewOne) {
     EXPECT_EQ(ionMode, "ES-");
 }
 
+TEST(FunctionDataTest, AnEmptyAppendSectionReadsNothingOfWhatFollows) {
+    CFunctionData function;
+    ReadInto(function, "{\nFunction\t1\n"
+                       "[CHROMATOGRAM]\n{\nTraceNumber\t0\n[TRACE]\n{\n1\t1\n}\n}\n"
+                       "[CHROMATOGRAM_APPEND]\n{\n}\n"
+                       "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
+                       "Description\tafter\n"
+                       "}\n");
+
+    ASSERT_EQ(function.GetNumChromatogram(), 2);
+    EXPECT_EQ(PointCount(function, 0), 1);
+    EXPECT_EQ(PointCount(function, 6), 1);
+    EXPECT_EQ(function.GetChromatogram(0)->GetDescription(), "");
+    CString description;
+    function.GetDescription(description);
+    EXPECT_EQ(description, "after");
+}
+
+TEST(FunctionDataTest, ListedSpectraAndTracesKeepTheirOwnMarksAsTheListsChange) {
+    CFunctionData function;
+    function.AddSpectrum();
+    function.GetSpectrum(0, false)->SetDesc("marked");
+    function.GetSpectrum(0, false)->SetHasPrinted(1);
+    function.AddChromatogram();
+    function.GetChromatogram(0)->SetHasPrinted(1);
+    // Growing the lists moves their elements; the marks stay with them.
+    for (int i = 0; i < 40; ++i) {
+        function.AddSpectrum(SpectrumWithPeakID(i), false);
+        function.AddChromatogram(CChromatoData());
+    }
+    CString desc;
+    function.GetSpectrum(0, false)->GetDesc(desc);
+    EXPECT_EQ(desc, "marked");
+    EXPECT_EQ(function.GetSpectrum(0, false)->GetHasPrinted(), 1);
+    EXPECT_EQ(function.GetChromatogram(0)->GetHasPrinted(), 1);
+
+    // Assigning a longer function assigns the elements already there, which keep their marks;
+    // the added ones are copies without them.
+    CFunctionData target;
+    target.AddSpectrum();
+    target.GetSpectrum(0, false)->SetDesc("target's");
+    target.AddChromatogram();
+    target.GetChromatogram(0)->SetHasPrinted(2);
+    target = function;
+    ASSERT_EQ(target.GetNumSpectra(false), 41);
+    target.GetSpectrum(0, false)->GetDesc(desc);
+    EXPECT_EQ(desc, "target's");
+    target.GetSpectrum(1, false)->GetDesc(desc);
+    EXPECT_TRUE(desc.IsEmpty());
+    EXPECT_EQ(target.GetSpectrum(40, false)->GetPeakID(), 39);
+    ASSERT_EQ(target.GetNumChromatogram(), 41);
+    EXPECT_EQ(target.GetChromatogram(0)->GetHasPrinted(), 2);
+}
+
 TEST(FunctionDataTest, SpectrumListsAndThePeakIdentifierSearch) {
     CFunctionData function;
     EXPECT_EQ(function.AddSpectrum(), 1);                             // a count

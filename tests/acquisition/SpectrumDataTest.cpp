@@ -152,7 +152,7 @@ TEST(SpectrumDataTest, CustomChartParametersMakeIntensitiesPercentagesOfTheBaseP
     EXPECT_FALSE(spectrum.UseDefaultChartParams());
 }
 
-TEST(SpectrumDataTest, CopiesAndMovesLeaveTheDescriptionBehind) {
+TEST(SpectrumDataTest, CopiesLeaveTheDescriptionBehindAndMovesCarryIt) {
     CSpectrumData source = SpectrumOf({100.0f}, {5.0f});
     source.SetDesc("apex");
     source.SetPeakID(9);
@@ -181,11 +181,18 @@ TEST(SpectrumDataTest, CopiesAndMovesLeaveTheDescriptionBehind) {
     target.GetDesc(desc);
     EXPECT_EQ(desc, "target's");
 
+    // A move is the same spectrum in a new place: description and printed mark go with it.
+    source.SetHasPrinted(1);
     CSpectrumData moved(std::move(source));
     moved.GetDesc(desc);
-    EXPECT_TRUE(desc.IsEmpty());
+    EXPECT_EQ(desc, "apex");
+    EXPECT_EQ(moved.GetHasPrinted(), 1);
     EXPECT_EQ(moved.GetPeakID(), 9);
     EXPECT_EQ(moved.GetNumPeaks(), 1);
+    target = std::move(moved);
+    target.GetDesc(desc);
+    EXPECT_EQ(desc, "apex");
+    EXPECT_EQ(target.GetHasPrinted(), 1);
 }
 
 TEST(SpectrumDataTest, MassIntensityCopyRespectsStartCountAndLimit) {
