@@ -29,13 +29,13 @@ constexpr UINT kMaxErrorText = 260;
 // Largest difference between the masses of a sample's and its control's first compounds.
 constexpr double kControlMassWindow = 0.1;
 
-// Tells the user that a sample could not be read: the exception's own text when it is one of
-// the library's exceptions and has one, a fixed text otherwise.
+// Tells the user that a sample could not be read: the exception's own text (empty when it has
+// none) when it is one of the library's exceptions, a fixed text for any other exception.
 void ReportReadingError(const CException* exception) {
     char text[kMaxErrorText] = "";
     if (exception != nullptr)
         exception->GetErrorMessage(text, kMaxErrorText);
-    ShowMessage(text[0] != '\0' ? text : kReadingErrorText, kReadingErrorTitle,
+    ShowMessage(exception != nullptr ? text : kReadingErrorText, kReadingErrorTitle,
                 MessageIcon::Exclamation);
 }
 
@@ -226,17 +226,18 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     const CString parentToReplace = inputParent != outputParent ? inputParent : CString();
 
     // The sample that each "[SAMPLE]" of the input belongs to, by file order; the first sample
-    // stands in for a place that no sample claims.
-    std::vector<int> indexOfEntry(static_cast<size_t>(GetSamplesCount()), -1);
+    // stands in for a place that no sample claims. The counter runs from -1 (the lines before the
+    // first sample) to the last index, so the table holds the entries from -1 on, shifted by one.
+    std::vector<int> indexOfEntry(static_cast<size_t>(GetSamplesCount()) + 1, -1);
     for (int i = GetSamplesCount() - 1; i >= 0; --i) {
         const int entry = m_Samples[i].GetFileEntry();
-        if (entry >= 0 && entry < GetSamplesCount())
-            indexOfEntry[static_cast<size_t>(entry)] = i;
+        if (entry >= -1 && entry < GetSamplesCount())
+            indexOfEntry[static_cast<size_t>(entry + 1)] = i;
     }
     auto sampleOfEntry = [&](int entry) -> CSampleData* {
-        if (entry >= 0 && entry < GetSamplesCount() &&
-            indexOfEntry[static_cast<size_t>(entry)] >= 0)
-            return &m_Samples[indexOfEntry[static_cast<size_t>(entry)]];
+        if (entry >= -1 && entry < GetSamplesCount() &&
+            indexOfEntry[static_cast<size_t>(entry + 1)] >= 0)
+            return &m_Samples[indexOfEntry[static_cast<size_t>(entry + 1)]];
         return GetSample(0);
     };
 

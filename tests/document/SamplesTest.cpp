@@ -1,5 +1,6 @@
 #include <quillon/document/Samples.h>
 #include <quillon/file/DelimitFile.h>
+#include <quillon/platform/Exception.h>
 #include <quillon/platform/FileException.h>
 #include <quillon/platform/HostHooks.h>
 
@@ -57,8 +58,9 @@ private:
     HostHooks m_saved;
 };
 
-// A report file that fails on the line "FAIL FILE" with a file exception and on the line
-// "FAIL OTHER" with an exception that is not one of the library's.
+// A report file that fails on the line "FAIL FILE" with a file exception, on "FAIL PLAIN" with a
+// library exception that carries no text, and on "FAIL OTHER" with an exception that is not one
+// of the library's.
 class FailingFile : public CDelimitFile {
 public:
     using CDelimitFile::CDelimitFile;
@@ -66,6 +68,8 @@ public:
         const BOOL read = CDelimitFile::ReadString(line);
         if (line == "FAIL FILE")
             throw CFileException(CFileException::hardIO, 5, "report.txt", "read");
+        if (line == "FAIL PLAIN")
+            throw CException();
         if (line == "FAIL OTHER")
             throw 42;
         return read;
@@ -124,18 +128,20 @@ TEST(SamplesTest, AppendedSectionsGoToTheHighestNumberedSample) {
 TEST(SamplesTest, ReadingErrorsAreShownAndReadingGoesOn) {
     TempFile file;
     file.Write(SampleSection(1) + SampleSection(2, "FAIL FILE\nSampleID\tlost\n") +
-               SampleSection(3, "FAIL OTHER\n") + SampleSection(4));
+               SampleSection(3, "FAIL OTHER\n") + SampleSection(5, "FAIL PLAIN\n") +
+               SampleSection(4));
     FailingFile input(file.c_str(), CFile::modeRead);
     MessageCatcher catcher;
     CSamples samples;
     ASSERT_EQ(samples.Read(&input), 1);
 
     EXPECT_EQ(Numbers(samples), (std::vector<int>{1, 4}));
-    ASSERT_EQ(catcher.messages.size(), 2u);
+    ASSERT_EQ(catcher.messages.size(), 3u);
     char expected[260];
     CFileException(CFileException::hardIO, 5, "report.txt", "read").GetErrorMessage(expected, 260);
     EXPECT_EQ(catcher.messages[0].text, expected);
     EXPECT_EQ(catcher.messages[1].text, "Error reading sample");
+    EXPECT_EQ(catcher.messages[2].text, ""); // a library exception's own (empty) text
     for (const Message& message : catcher.messages) {
         EXPECT_EQ(message.title, "Hollbeck Browser");
         EXPECT_EQ(message.icon, MessageIcon::Exclamation);

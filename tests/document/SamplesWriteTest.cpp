@@ -268,3 +268,26 @@ TEST(SamplesWriteTest, SamplesTheCollectionDoesNotHoldAreNotWritten) {
 
     EXPECT_EQ(samples.Write(nullptr, nullptr), 0);
 }
+
+TEST(SamplesWriteTest, SectionsBeforeTheFirstSampleBelongToTheSampleOfEntryMinusOne) {
+    TempFile input("in.txt");
+    input.Write("[NOTE]\nnote line\n" + kReport);
+    const std::string outPath = (input.Folder() / "out.txt").string();
+
+    // Normally the first sample (held first, here the 3) stands in for the lines before the
+    // first "[SAMPLE]": they are copied.
+    CSamples kept;
+    const std::string copied = ReadAndWrite(kept, input.Path(), outPath, [](CSamples&) {});
+    EXPECT_EQ(copied.rfind("[NOTE]\nnote line\n;Report of batch 7\n", 0), 0u);
+
+    // A duplicate whose file entry is -1 claims them: the header and the line after it go.
+    CSamples dropped;
+    const std::string written =
+        ReadAndWrite(dropped, input.Path(), outPath, [](CSamples& collection) {
+            collection.GetSample(2)->SetFileEntry(-1);
+            collection.GetSample(2)->IsDuplicate(true);
+        });
+    EXPECT_EQ(written.rfind(";Report of batch 7\n[SAMPLE]\n", 0), 0u);
+    EXPECT_EQ(written.find("note line"), std::string::npos);
+    EXPECT_EQ(dropped.GetSamplesCount(), 2);
+}
