@@ -334,17 +334,14 @@ int CChromatoData::Read(CDelimitFile* file, CFileRecord& record) {
     record.AddField("CustomChartParameters", kCustomChartParameters);
     record.AddParagraph("TRACE", kTraceSection);
     record.AddParagraph("PEAK", kPeakSection);
-    while (record.Read(file)) {
-        if (record.GetType() == RECORD_FIELD)
-            NewField(*record.GetInput(), record.GetID());
-        else if (record.GetType() == RECORD_PARAGRAPH)
-            NewParagraph(file, record.GetID());
-    }
+    record.ReadEach(
+        file, [this](const CStringArray& input, int id) { NewField(input, id); },
+        [this](CDelimitFile* section, int id) { NewParagraph(section, id); });
     return TRUE;
 }
 
 int CChromatoData::NewField(const CStringArray& input, int id) {
-    const CString value = input.GetSize() > 1 ? input[1] : CString();
+    const CString& value = CFileRecord::FieldValue(input);
     switch (id) {
     case kDescription:
         m_Description = value;

@@ -97,7 +97,7 @@ int CChromatogramPeak::Read(CDelimitFile* file, CFileRecord& record) {
 }
 
 int CChromatogramPeak::NewField(const CStringArray& input, int id) {
-    const CString value = input.GetSize() > 1 ? input[1] : CString();
+    const CString& value = CFileRecord::FieldValue(input);
     // The extent lines carry two values each and are ignored when one is missing.
     const bool hasTwoValues = input.GetSize() >= 3;
     switch (id) {

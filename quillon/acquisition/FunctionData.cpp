@@ -28,11 +28,6 @@ enum FunctionItem {
     kChromatogramAppend = 10,
 };
 
-// The value of a field line: its second element, or empty text when it has none.
-const char* FieldValue(const CStringArray& input) {
-    return input.GetSize() > 1 ? input[1].c_str() : "";
-}
-
 // Gives target the length of source and assigns each element from the source's element of the
 // same index, so elements already there keep what assignment leaves alone (a spectrum's
 // description, a trace's printed flag).
@@ -245,17 +240,14 @@ int CFunctionData::Read(CDelimitFile* file) {
 }
 
 int CFunctionData::Read(CDelimitFile* file, CFileRecord& record) {
-    while (record.Read(file) == 1) {
-        if (record.GetType() == RECORD_FIELD)
-            NewField(*record.GetInput(), record.GetID());
-        else if (record.GetType() == RECORD_PARAGRAPH)
-            NewParagraph(file, record.GetID());
-    }
+    record.ReadEach(
+        file, [this](const CStringArray& input, int id) { NewField(input, id); },
+        [this](CDelimitFile* section, int id) { NewParagraph(section, id); });
     return TRUE;
 }
 
 int CFunctionData::NewField(const CStringArray& input, int id) {
-    const char* value = FieldValue(input);
+    const CString& value = CFileRecord::FieldValue(input);
     switch (id) {
     case kFunction:
         m_number = std::atoi(value);

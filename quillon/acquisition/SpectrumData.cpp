@@ -38,11 +38,6 @@ enum SpectrumItem {
     kMS = 19,
 };
 
-// The value of a field line: its second element, or empty text when it has none.
-const char* FieldValue(const CStringArray& input) {
-    return input.GetSize() > 1 ? input[1].c_str() : "";
-}
-
 } // namespace
 
 CSpectrumData::CSpectrumData() {
@@ -360,17 +355,14 @@ int CSpectrumData::Read(CDelimitFile* file) {
 }
 
 int CSpectrumData::Read(CDelimitFile* file, CFileRecord& record) {
-    while (record.Read(file) == 1) {
-        if (record.GetType() == RECORD_FIELD)
-            NewField(*record.GetInput(), record.GetID());
-        else if (record.GetType() == RECORD_PARAGRAPH)
-            NewParagraph(file, record.GetID());
-    }
+    record.ReadEach(
+        file, [this](const CStringArray& input, int id) { NewField(input, id); },
+        [this](CDelimitFile* section, int id) { NewParagraph(section, id); });
     return TRUE;
 }
 
 int CSpectrumData::NewField(const CStringArray& input, int id) {
-    const char* value = FieldValue(input);
+    const CString& value = CFileRecord::FieldValue(input);
     switch (id) {
     case kProcess:
         m_process = std::atoi(value);

@@ -178,8 +178,7 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
 }
 
 int CSampleData::NewField(const CStringArray& input, int id) {
-    const CString none;
-    const CString& value = input.GetSize() > 1 ? input[1] : none;
+    const CString& value = CFileRecord::FieldValue(input);
     switch (id) {
     case kSample:
         SetNumber(value);

@@ -12,6 +12,11 @@ void CFileRecord::AddParagraph(const char* name, int id) {
     m_paragraphNames[name ? name : ""] = id;
 }
 
+const CString& CFileRecord::FieldValue(const CStringArray& input) {
+    static const CString kNone;
+    return input.GetSize() > 1 ? input[1] : kNone;
+}
+
 int CFileRecord::Lookup(const NameMap& names, const CString& name, int& id) {
     id = -1;
     if (names.empty())

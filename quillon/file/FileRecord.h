@@ -42,6 +42,21 @@ public:
     // The fields of the event's line: element 0 is the field or section name.
     const CStringArray* GetInput() const { return &m_input; }
 
+    // The reader loop: hands every field line to onField(input, id) and every paragraph to
+    // onParagraph(file, id) until this record's block has closed or the file ends.
+    template <class OnField, class OnParagraph>
+    void ReadEach(CDelimitFile* file, OnField&& onField, OnParagraph&& onParagraph) {
+        while (Read(file)) {
+            if (m_type == RECORD_FIELD)
+                onField(m_input, m_id);
+            else
+                onParagraph(file, m_id);
+        }
+    }
+
+    // The value of a field line: its element 1, or an empty text when the line has none.
+    static const CString& FieldValue(const CStringArray& input);
+
 protected:
     // Look a name up: 1 with its identifier when registered, or with -1 when nothing at all is
     // registered in that map; 0 with -1 otherwise.
