@@ -11,6 +11,7 @@
 #include <quillon/platform/Formula.h>
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/IsotopeModel.h>
+#include <quillon/platform/NumberConversion.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
 #include <quillon/platform/ProcessInfo.h>

@@ -4,6 +4,7 @@
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 
+#include <string_view>
 #include <vector>
 
 namespace quillon {
@@ -97,12 +98,12 @@ private:
     void RelinkControls(const std::vector<int>& controls, NewIndexOf newIndexOf);
     // Removes the samples marked as duplicates, keeping the control links of the others.
     void RemoveDuplicates();
-    // Copies the molfile list's lines up to and including the first lone "}", replacing the
-    // first occurrence of from by to in each line when from is not empty.
     // Writes an expected, unexpected or MS/MS correlation section from memory in place of the
-    // input's block; false for any other header.
-    static bool WriteMetaboliteSection(const CString& header, CSampleData& sample, CDelimitFile* in,
-                                       CDelimitFile* out);
+    // input's block; false for any other section.
+    static bool WriteMetaboliteSection(std::string_view section, CSampleData& sample,
+                                       CDelimitFile* in, CDelimitFile* out);
+    // Copies the molfile list's lines up to and including the line that closes its block,
+    // replacing the first occurrence of from by to in each line when from is not empty.
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 
