@@ -103,7 +103,17 @@ int CSamples::Read(CDelimitFile* file) {
         }
     }
     SetControlSamples();
+    for (CSampleData& sample : m_Samples)
+        DeriveMetaboliteResults(sample);
     return 1;
+}
+
+void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
+    // The fragment analysis's validation of the sample's energy pairs comes first, once it exists.
+    sample.SetHighEnergyMetaboliteCount();
+    sample.DetermineAreaTotals();
+    sample.CalculateMetabolitePercentAreas(false);
+    sample.CalculateMetabolitePercentAreas(true);
 }
 
 int CSamples::ReadSample(CDelimitFile* file) {
@@ -261,6 +271,9 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     };
 
     int sampleCounter = -1;
+    // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section, from 1: the
+    // n-th holds the candidates of the n-th metabolite after the expected ones.
+    int elementalCounter = 0;
     bool duplicatesDropped = false;
     CString line;
     std::string_view section;
@@ -282,7 +295,8 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
                    sample != nullptr && sample->IsDuplicate()) {
             in->MoveToNextSection();
             duplicatesDropped = true;
-        } else if (sample != nullptr && WriteMetaboliteSection(section, *sample, in, out)) {
+        } else if (sample != nullptr &&
+                   WriteMetaboliteSection(section, *sample, elementalCounter, in, out)) {
             // Written from memory in place of the old block.
         } else if (section == "MOLFILE LIST") {
             out->WriteSectionHeader("MOLFILE LIST");
@@ -309,13 +323,17 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
 }
 
 bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sample,
-                                      CDelimitFile* in, CDelimitFile* out) {
+                                      int& elementalCounter, CDelimitFile* in, CDelimitFile* out) {
     if (section == "EXPECTED METABOLITES") {
         out->WriteSectionHeader("EXPECTED METABOLITES");
         sample.WriteMSMetabolites(out, true);
     } else if (section == "UNEXPECTED METABOLITES") {
         out->WriteSectionHeader("UNEXPECTED METABOLITES");
         sample.WriteMSMetabolites(out, false);
+        elementalCounter = 0;
+    } else if (section == "ELEMENTAL") {
+        out->WriteSectionHeader("ELEMENTAL");
+        sample.WriteElementalComposition(out, ++elementalCounter);
     } else if (section == "MSMS CORRELATION") {
         out->WriteSectionHeader("MSMS CORRELATION");
         sample.WriteMSMSMetabolites(out);
