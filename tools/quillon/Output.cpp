@@ -1,0 +1,143 @@
+#include "Output.h"
+
+#include "AtomicSave.h"
+#include "Command.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <map>
+
+namespace quillon::tool {
+
+void AddFormatOption(CLI::App& app, Format& format) {
+    const std::map<std::string, Format> names{
+        {"table", Format::Table}, {"csv", Format::Csv}, {"json", Format::Json}};
+    app.add_option("--format", format, "Output format: table (default), csv or json")
+        ->transform(CLI::CheckedTransformer(names, CLI::ignore_case));
+}
+
+void AddOutputOption(CLI::App& app, std::string& path) {
+    app.add_option("-o,--output", path, "Write to FILE instead of standard output");
+}
+
+std::string CellText(const nlohmann::json& cell) {
+    if (cell.is_null())
+        return {};
+    if (cell.is_string())
+        return cell.get<std::string>();
+    if (cell.is_boolean())
+        return cell.get<bool>() ? "yes" : "no";
+    return cell.dump();
+}
+
+nlohmann::json ToJson(const Table& table) {
+    nlohmann::json rows = nlohmann::json::array();
+    for (const auto& row : table.rows) {
+        nlohmann::json object = nlohmann::json::object();
+        for (size_t i = 0; i < table.columns.size() && i < row.size(); ++i)
+            object[table.columns[i]] = row[i];
+        rows.push_back(std::move(object));
+    }
+    return rows;
+}
+
+namespace {
+
+std::string CsvCell(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string quoted = "\"";
+    for (char c : text) {
+        if (c == '"')
+            quoted += '"';
+        quoted += c;
+    }
+    return quoted + "\"";
+}
+
+std::string RenderCsv(const Table& table) {
+    std::string out;
+    auto line = [&out](const std::vector<std::string>& cells) {
+        for (size_t i = 0; i < cells.size(); ++i)
+            out += (i ? "," : "") + CsvCell(cells[i]);
+        out += '\n';
+    };
+    line(table.columns);
+    for (const auto& row : table.rows) {
+        std::vector<std::string> cells;
+        for (const auto& cell : row)
+            cells.push_back(CellText(cell));
+        line(cells);
+    }
+    return out;
+}
+
+std::string RenderTable(const Table& table) {
+    std::vector<size_t> widths;
+    for (const auto& column : table.columns)
+        widths.push_back(column.size());
+    for (const auto& row : table.rows)
+        for (size_t i = 0; i < row.size() && i < widths.size(); ++i)
+            widths[i] = std::max(widths[i], CellText(row[i]).size());
+    std::string out;
+    auto pad = [&out](const std::string& text, size_t width, bool right) {
+        const std::string fill(width - std::min(width, text.size()), ' ');
+        out += right ? fill + text : text + fill;
+    };
+    for (size_t i = 0; i < table.columns.size(); ++i) {
+        pad(table.columns[i], widths[i], false);
+        out += i + 1 < table.columns.size() ? "  " : "";
+    }
+    out += '\n';
+    for (size_t i = 0; i < widths.size(); ++i)
+        out += std::string(widths[i], '-') + (i + 1 < widths.size() ? "  " : "");
+    out += '\n';
+    for (const auto& row : table.rows) {
+        for (size_t i = 0; i < row.size() && i < widths.size(); ++i) {
+            pad(CellText(row[i]), widths[i], row[i].is_number());
+            out += i + 1 < widths.size() ? "  " : "";
+        }
+        // No trailing blanks at the end of a line.
+        out.erase(out.find_last_not_of(' ') + 1);
+        out += '\n';
+    }
+    return out;
+}
+
+} // namespace
+
+std::string Render(const Table& table, Format format) {
+    switch (format) {
+    case Format::Csv:
+        return RenderCsv(table);
+    case Format::Json:
+        return ToJson(table).dump(2) + "\n";
+    case Format::Table:
+        break;
+    }
+    return RenderTable(table);
+}
+
+void WriteOutput(const std::string& path, const std::string& text) {
+    if (path.empty() || path == "-") {
+        std::cout << text << std::flush;
+        if (!std::cout)
+            throw ToolError{"cannot write to standard output"};
+        return;
+    }
+    SaveAtomically(path, [&text, &path](const std::string& temporary) {
+        std::FILE* file = std::fopen(temporary.c_str(), "wb");
+        if (file == nullptr)
+            throw ToolError{"cannot write '" + path + "': " + std::strerror(errno)};
+        const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+        const int savedErrno = errno;
+        if (std::fclose(file) != 0 || !written)
+            throw ToolError{"cannot write '" + path +
+                            "': " + std::strerror(written ? errno : savedErrno)};
+    });
+}
+
+} // namespace quillon::tool
