@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <map>
@@ -21,6 +23,12 @@ void AddFormatOption(CLI::App& app, Format& format) {
 
 void AddOutputOption(CLI::App& app, std::string& path) {
     app.add_option("-o,--output", path, "Write to FILE instead of standard output");
+}
+
+nlohmann::json Real(float value) {
+    char text[32];
+    const auto result = std::to_chars(text, text + sizeof text, value);
+    return std::strtod(std::string(text, result.ptr).c_str(), nullptr);
 }
 
 std::string CellText(const nlohmann::json& cell) {

@@ -23,6 +23,10 @@ struct Table {
     std::vector<std::vector<nlohmann::json>> rows;
 };
 
+// A number the library keeps in single precision, as the shortest decimal that reads back to it
+// (0.0334f gives 0.0334, not 0.033399999141693115).
+nlohmann::json Real(float value);
+
 // The text of one cell as the table and CSV show it.
 std::string CellText(const nlohmann::json& cell);
 // The rows as an array of objects keyed by column name.
