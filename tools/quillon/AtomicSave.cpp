@@ -34,25 +34,25 @@ bool SyncToDisk(const std::string& path, int flags) {
 
 void SaveAtomically(const std::string& target,
                     const std::function<void(const std::string& temporaryPath)>& write) {
+    // The temporary file carries the target's own name, inside a private directory next to the
+    // target: what is written may name the file it is written to (a report's molfile list does).
     const std::filesystem::path targetPath(target);
     const std::filesystem::path directory =
         targetPath.has_parent_path() ? targetPath.parent_path() : std::filesystem::path(".");
-    std::string pattern = (directory / ("." + targetPath.filename().string() + ".quillon-" +
-                                        std::to_string(::getpid()) + "-XXXXXX"))
-                              .string();
+    const std::string pattern =
+        (directory / (".quillon-" + std::to_string(::getpid()) + "-XXXXXX")).string();
     std::vector<char> name(pattern.begin(), pattern.end());
     name.push_back('\0');
-    const int descriptor = ::mkstemp(name.data());
-    if (descriptor < 0)
+    if (::mkdtemp(name.data()) == nullptr)
         throw WriteError(target, std::strerror(errno));
-    ::close(descriptor);
-    const std::string temporary(name.data());
+    const std::filesystem::path temporaryDirectory(name.data());
+    const std::string temporary = (temporaryDirectory / targetPath.filename()).string();
 
     try {
         write(temporary);
         if (!SyncToDisk(temporary, O_RDONLY))
             throw WriteError(target, std::strerror(errno));
-        // A new file gets the usual permissions, not the private ones of a temporary file.
+        // The target keeps its permissions; a new file gets the usual ones.
         std::error_code ignored;
         const auto permissions = std::filesystem::exists(targetPath, ignored)
                                      ? std::filesystem::status(targetPath, ignored).permissions()
@@ -61,9 +61,12 @@ void SaveAtomically(const std::string& target,
         if (std::rename(temporary.c_str(), target.c_str()) != 0)
             throw WriteError(target, std::strerror(errno));
     } catch (...) {
-        std::remove(temporary.c_str());
+        std::error_code ignored;
+        std::filesystem::remove_all(temporaryDirectory, ignored);
         throw;
     }
+    std::error_code ignored;
+    std::filesystem::remove(temporaryDirectory, ignored);
     SyncToDisk(directory.string(), O_RDONLY | O_DIRECTORY);
 }
 

@@ -98,6 +98,7 @@ void AddRows(CSampleData& sample, const CDivBroParams& params, bool all, Table& 
             i,
             Group(metabolite),
             metabolite.GetMetName(),
+            metabolite.GetUserLabel(),
             metabolite.GetFormula(),
             metabolite.GetMzFound() > 0 ? Fixed(metabolite.GetMzFound(), 4) : std::string(),
             mDa.str(),
@@ -120,10 +121,10 @@ int Run(const MetabolitesOptions& options) {
     const CDivBroParams params = FilterParams(options);
     LoadedReport report = LoadReport(options.report, params);
     Table table;
-    table.columns = {"sample",     "index",  "group",   "name",     "formula",
-                     "m/z found",  "mDa",    "ppm",     "time",     "trace",
-                     "area",       "area %", "found %", "IS ratio", "found/confirmed",
-                     "high energy"};
+    table.columns = {"sample",          "index",      "group",  "name",    "label",
+                     "formula",         "m/z found",  "mDa",    "ppm",     "time",
+                     "trace",           "area",       "area %", "found %", "IS ratio",
+                     "found/confirmed", "high energy"};
     if (options.all)
         table.columns.push_back("shown");
     if (options.sample) {
