@@ -31,13 +31,22 @@ constexpr UINT kMaxErrorText = 260;
 constexpr double kControlMassWindow = 0.1;
 
 // Tells the user that a sample could not be read: the exception's own text (empty when it has
-// none) when it is one of the library's exceptions, a fixed text for any other exception.
-void ReportReadingError(const CException* exception) {
+// none) when it is one of the library's exceptions, a fixed text for any other exception. Returns
+// the text shown.
+CString ReportReadingError(const CException* exception) {
     char text[kMaxErrorText] = "";
     if (exception != nullptr)
         exception->GetErrorMessage(text, kMaxErrorText);
-    ShowMessage(exception != nullptr ? text : kReadingErrorText, kReadingErrorTitle,
-                MessageIcon::Exclamation);
+    const CString shown = exception != nullptr ? text : kReadingErrorText;
+    ShowMessage(shown, kReadingErrorTitle, MessageIcon::Exclamation);
+    return shown;
+}
+
+// Where the line just read started.
+int64_t LineStart(const CDelimitFile& file) {
+    const int64_t end = file.GetPosition();
+    const int64_t length = file.GetLastLineLength();
+    return end > length ? end - length : 0;
 }
 
 // The mass of a sample's first compound, 0 when it has none.
@@ -79,33 +88,83 @@ int CSamples::Read(CDelimitFile* file) {
     // section is passed over with its block, and so is a stray block or a stray "}", so that one
     // section this library does not know never ends the reading of the samples after it.
     // A read error between samples ends the reading with a message, like one inside a sample.
+    m_ReadReport = CReadReport();
     if (file != nullptr) {
+        int64_t lineStart = 0;
         try {
             CStringArray fields;
             int type = RECORD_EMPTY;
+            int previousType = RECORD_EMPTY;
             int strayDepth = 0;
+            int64_t strayStart = 0;
+            CString strayName;
             while (file->ReadDelimitedString(fields, &type)) {
+                lineStart = LineStart(*file);
                 if (type == RECORD_BLOCK_START) {
+                    if (strayDepth == 0) {
+                        strayStart = lineStart;
+                        if (previousType != RECORD_PARAGRAPH) {
+                            strayName = "";
+                            m_ReadReport.Add(CReadReport::StrayBlock, "", lineStart);
+                        }
+                    }
                     ++strayDepth;
                 } else if (type == RECORD_BLOCK_END) {
+                    if (strayDepth == 0)
+                        m_ReadReport.Add(CReadReport::StrayBlockEnd, "}", lineStart);
                     strayDepth = strayDepth > 0 ? strayDepth - 1 : 0;
                 } else if (type == RECORD_PARAGRAPH && strayDepth == 0) {
-                    if (fields[0] == "SAMPLE")
+                    if (fields[0] == "SAMPLE") {
                         ReadSample(file);
-                    else if (fields[0] == "SAMPLE_APPEND")
+                        NoteOpenSampleBlock(file, lineStart, fields[0]);
+                    } else if (fields[0] == "SAMPLE_APPEND") {
                         AppendSample(file);
+                        NoteOpenSampleBlock(file, lineStart, fields[0]);
+                    } else {
+                        strayName = fields[0];
+                        m_ReadReport.Add(CReadReport::UnknownSection, fields[0], lineStart);
+                    }
+                } else if (type == RECORD_FIELD && strayDepth == 0) {
+                    m_ReadReport.Add(CReadReport::StrayLine, fields.GetSize() > 0 ? fields[0] : "",
+                                     lineStart);
                 }
+                previousType = type;
             }
+            if (strayDepth > 0)
+                m_ReadReport.Add(CReadReport::OpenBlock, strayName, strayStart);
         } catch (const CException& exception) {
-            ReportReadingError(&exception);
+            m_ReadReport.Add(CReadReport::SampleError, "", lineStart,
+                             ReportReadingError(&exception));
         } catch (...) {
-            ReportReadingError(nullptr);
+            m_ReadReport.Add(CReadReport::SampleError, "", lineStart, ReportReadingError(nullptr));
         }
     }
     SetControlSamples();
     for (CSampleData& sample : m_Samples)
         DeriveMetaboliteResults(sample);
     return 1;
+}
+
+void CSamples::NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, const CString& name) {
+    // A sample's reader stops at the "}" closing its block or at the end of the file; only at the
+    // end of the file is the last line read again to tell the two apart.
+    if (file->GetPosition() < file->GetLength())
+        return;
+    const int64_t end = file->GetPosition();
+    file->Seek(LineStart(*file), CFile::begin);
+    CString last;
+    const bool closed = file->ReadString(last) && last.view().find('}') != std::string_view::npos;
+    file->Seek(end, CFile::begin);
+    if (!closed)
+        m_ReadReport.Add(CReadReport::OpenBlock, name, sampleStart);
+}
+
+void CReadReport::Add(Kind kind, CString name, int64_t offset, CString detail) {
+    if (entries.size() >= kMaxEntries) {
+        ++omitted;
+        return;
+    }
+    entries.push_back(Entry{kind, std::move(name), offset, std::move(detail)});
 }
 
 void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
@@ -119,24 +178,20 @@ void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
 int CSamples::ReadSample(CDelimitFile* file) {
     if (file == nullptr)
         return GetSamplesCount() - 1;
+    // The section starts where its header line did, whatever its line end.
+    const int64_t start = LineStart(*file);
     try {
-        // The section starts where its header line did, whatever its line end.
-        const int64_t afterHeader = file->GetPosition();
-        const int64_t headerLength = file->GetLastLineLength();
-        const auto start =
-            static_cast<unsigned long>(afterHeader > headerLength ? afterHeader - headerLength : 0);
-
         CSampleData sample;
-        sample.SetFilePosStart(start);
-        sample.SetFilePosEnd(start);
+        sample.SetFilePosStart(static_cast<unsigned long>(start));
+        sample.SetFilePosEnd(static_cast<unsigned long>(start));
         sample.Read(file);
         sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
         sample.SetParams(m_pParams);
         return AddSample(std::move(sample));
     } catch (const CException& exception) {
-        ReportReadingError(&exception);
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, ReportReadingError(&exception));
     } catch (...) {
-        ReportReadingError(nullptr);
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, ReportReadingError(nullptr));
     }
     return GetSamplesCount() - 1;
 }
@@ -147,13 +202,16 @@ int CSamples::AppendSample(CDelimitFile* file) {
     CSampleData* last = GetSample();
     if (last == nullptr)
         return ReadSample(file);
+    const int64_t start = LineStart(*file);
     try {
         last->Read(file);
         last->SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
     } catch (const CException& exception) {
-        ReportReadingError(&exception);
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start,
+                         ReportReadingError(&exception));
     } catch (...) {
-        ReportReadingError(nullptr);
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start,
+                         ReportReadingError(nullptr));
     }
     return GetSamplesCount() - 1;
 }

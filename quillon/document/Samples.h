@@ -4,6 +4,7 @@
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +20,35 @@ struct MetaboliteCountInfo {
     CString name;
     CString label;
     std::vector<int> counts;
+};
+
+// What reading a report passed over or could not read. The collection fills it while it reads,
+// at the top level of the file only (between samples, and once at the end of each sample), so
+// the lines inside a sample cost nothing more; the reading itself is the same with or without it.
+// Offsets are those of the start of the line concerned, from the start of the file (a tool that
+// wants line numbers counts the line ends before them).
+struct CReadReport {
+    enum Kind {
+        UnknownSection, // a top-level section other than a sample, skipped with its block
+        StrayBlock,     // a "{" at the top level that follows no section header, skipped
+        StrayBlockEnd,  // a "}" at the top level that closes nothing
+        StrayLine,      // a data line at the top level, outside every section
+        SampleError,    // reading a sample failed: the sample was discarded (detail: the message)
+        OpenBlock,      // the file ended inside a block (name: the section whose block it is)
+    };
+    struct Entry {
+        Kind kind = UnknownSection;
+        CString name; // the section's name, or the line's first field
+        int64_t offset = 0;
+        CString detail; // the error message of a sample that failed
+    };
+    // At most this many entries are kept; the others are only counted in omitted.
+    static constexpr size_t kMaxEntries = 1000;
+    std::vector<Entry> entries;
+    size_t omitted = 0;
+
+    void Add(Kind kind, CString name, int64_t offset, CString detail = CString());
+    bool IsClean() const { return entries.empty() && omitted == 0; }
 };
 
 // The report document: every sample of one report file, kept in ascending order of sample number.
@@ -41,7 +71,10 @@ public:
     int Read(const char* path);
     // Reads every "[SAMPLE]" and "SAMPLE_APPEND" section to the end of the file, then links the
     // control samples and derives each sample's metabolite counts and area percentages. Returns 1.
+    // What was passed over is noted in the read report, which each Read starts afresh.
     int Read(CDelimitFile* file);
+    // What the last Read passed over or could not read (see CReadReport).
+    const CReadReport& GetReadReport() const { return m_ReadReport; }
     // Reads one sample section (the header line has just been read) into a new sample placed in
     // number order; returns its index. A failure while reading is shown through the message
     // hook, the sample is discarded and the result is the last index.
@@ -112,8 +145,12 @@ private:
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 
+    // Notes a sample whose block the file ended inside (only checked at the end of the file).
+    void NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, const CString& name);
+
     CArray<CSampleData> m_Samples;
     CDivBroParams* m_pParams = nullptr;
+    CReadReport m_ReadReport;
 };
 
 } // namespace quillon
