@@ -91,26 +91,30 @@ std::string RenderTable(const Table& table) {
         for (size_t i = 0; i < row.size() && i < widths.size(); ++i)
             widths[i] = std::max(widths[i], CellText(row[i]).size());
     std::string out;
-    auto pad = [&out](const std::string& text, size_t width, bool right) {
-        const std::string fill(width - std::min(width, text.size()), ' ');
-        out += right ? fill + text : text + fill;
-    };
-    for (size_t i = 0; i < table.columns.size(); ++i) {
-        pad(table.columns[i], widths[i], false);
-        out += i + 1 < table.columns.size() ? "  " : "";
-    }
-    out += '\n';
-    for (size_t i = 0; i < widths.size(); ++i)
-        out += std::string(widths[i], '-') + (i + 1 < widths.size() ? "  " : "");
-    out += '\n';
-    for (const auto& row : table.rows) {
-        for (size_t i = 0; i < row.size() && i < widths.size(); ++i) {
-            pad(CellText(row[i]), widths[i], row[i].is_number());
-            out += i + 1 < widths.size() ? "  " : "";
+    // One line of cells, numbers right-aligned, without blanks at its end.
+    auto line = [&out, &widths](const std::vector<std::string>& cells,
+                                const std::vector<bool>& right) {
+        for (size_t i = 0; i < cells.size() && i < widths.size(); ++i) {
+            const std::string fill(widths[i] - std::min(widths[i], cells[i].size()), ' ');
+            out += (i ? "  " : "") + (right[i] ? fill + cells[i] : cells[i] + fill);
         }
-        // No trailing blanks at the end of a line.
         out.erase(out.find_last_not_of(' ') + 1);
         out += '\n';
+    };
+    const std::vector<bool> left(widths.size(), false);
+    line(table.columns, left);
+    std::vector<std::string> rules;
+    for (size_t width : widths)
+        rules.emplace_back(width, '-');
+    line(rules, left);
+    for (const auto& row : table.rows) {
+        std::vector<std::string> cells;
+        std::vector<bool> right;
+        for (const auto& cell : row) {
+            cells.push_back(CellText(cell));
+            right.push_back(cell.is_number());
+        }
+        line(cells, right);
     }
     return out;
 }
