@@ -4,21 +4,26 @@
 #include "Command.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <map>
 
 namespace quillon::tool {
 
 void AddFormatOption(CLI::App& app, Format& format) {
-    const std::map<std::string, Format> names{
-        {"table", Format::Table}, {"csv", Format::Csv}, {"json", Format::Json}};
-    app.add_option("--format", format, "Output format: table (default), csv or json")
-        ->transform(CLI::CheckedTransformer(names, CLI::ignore_case));
+    app.add_option_function<std::string>(
+           "--format",
+           [&format](std::string name) {
+               std::transform(name.begin(), name.end(), name.begin(),
+                              [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+               format = name == "csv" ? Format::Csv : name == "json" ? Format::Json : Format::Table;
+           },
+           "Output format: table (default), csv or json")
+        ->check(CLI::IsMember({"table", "csv", "json"}, CLI::ignore_case));
 }
 
 void AddOutputOption(CLI::App& app, std::string& path) {
