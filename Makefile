@@ -1,7 +1,7 @@
 # Entry points for people and CI. Everything goes through the CMake presets.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build test sanitize format-check bench clean
+.PHONY: all deps build test sanitize format-check bench demo clean
 
 all: build
 
@@ -25,6 +25,12 @@ sanitize: deps
 # Fails when a source of the project is not formatted with the repository's .clang-format.
 format-check: deps
 	git ls-files -z -- '*.h' '*.cpp' | xargs -0 -r clang-format --dry-run --Werror
+
+# Builds the quillon tool and runs it on the example batch; every file goes under build/demo/.
+demo: deps
+	cmake --preset dev
+	cmake --build --preset dev -j $(JOBS) --target quillon-tool
+	@bash scripts/demo.sh build/dev/tools/quillon/quillon
 
 bench: deps
 	cmake --preset bench
