@@ -6,6 +6,7 @@
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/ProcessInfo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <ctime>
@@ -79,6 +80,29 @@ int CSamples::Read(CDelimitFile* file) {
     // section is passed over with its block, and so is a stray block or a stray "}", so that one
     // section this library does not know never ends the reading of the samples after it.
     // A read error between samples ends the reading with a message, like one inside a sample.
+    // Samples are gathered in file order and put into number order once at the end, as AddSample
+    // would have placed them one by one: equal numbers keep their file order behind the samples
+    // already held. (Inserting each in turn moves every later sample: quadratic in a report whose
+    // samples come in descending order.)
+    std::vector<CSampleData> read;
+    // The sample a continuation extends: the one AddSample would have put last so far (the
+    // highest number, the latest of equals); -1 for none, else an index of the samples held
+    // followed by those read.
+    int last = GetSamplesCount() - 1;
+    auto sampleAt = [&](int index) -> CSampleData& {
+        return index < GetSamplesCount() ? m_Samples[index]
+                                         : read[static_cast<size_t>(index - GetSamplesCount())];
+    };
+    auto readNew = [&]() {
+        CSampleData sample;
+        if (!ReadSampleRecord(file, sample))
+            return;
+        sample.SetFileEntry(GetSamplesCount() + static_cast<int>(read.size()));
+        const int index = GetSamplesCount() + static_cast<int>(read.size());
+        if (last < 0 || sample.GetNumber() >= sampleAt(last).GetNumber())
+            last = index;
+        read.push_back(std::move(sample));
+    };
     if (file != nullptr) {
         try {
             CStringArray fields;
@@ -91,9 +115,11 @@ int CSamples::Read(CDelimitFile* file) {
                     strayDepth = strayDepth > 0 ? strayDepth - 1 : 0;
                 } else if (type == RECORD_PARAGRAPH && strayDepth == 0) {
                     if (fields[0] == "SAMPLE")
-                        ReadSample(file);
+                        readNew();
+                    else if (fields[0] == "SAMPLE_APPEND" && last < 0)
+                        readNew();
                     else if (fields[0] == "SAMPLE_APPEND")
-                        AppendSample(file);
+                        AppendRecord(file, sampleAt(last));
                 }
             }
         } catch (const CException& exception) {
@@ -102,6 +128,7 @@ int CSamples::Read(CDelimitFile* file) {
             ReportReadingError(nullptr);
         }
     }
+    AddSamplesInOrder(std::move(read));
     SetControlSamples();
     for (CSampleData& sample : m_Samples)
         DeriveMetaboliteResults(sample);
@@ -117,8 +144,13 @@ void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
 }
 
 int CSamples::ReadSample(CDelimitFile* file) {
-    if (file == nullptr)
+    CSampleData sample;
+    if (file == nullptr || !ReadSampleRecord(file, sample))
         return GetSamplesCount() - 1;
+    return AddSample(std::move(sample));
+}
+
+bool CSamples::ReadSampleRecord(CDelimitFile* file, CSampleData& sample) {
     try {
         // The section starts where its header line did, whatever its line end.
         const int64_t afterHeader = file->GetPosition();
@@ -126,19 +158,18 @@ int CSamples::ReadSample(CDelimitFile* file) {
         const auto start =
             static_cast<unsigned long>(afterHeader > headerLength ? afterHeader - headerLength : 0);
 
-        CSampleData sample;
         sample.SetFilePosStart(start);
         sample.SetFilePosEnd(start);
         sample.Read(file);
         sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
         sample.SetParams(m_pParams);
-        return AddSample(std::move(sample));
+        return true;
     } catch (const CException& exception) {
         ReportReadingError(&exception);
     } catch (...) {
         ReportReadingError(nullptr);
     }
-    return GetSamplesCount() - 1;
+    return false;
 }
 
 int CSamples::AppendSample(CDelimitFile* file) {
@@ -147,15 +178,47 @@ int CSamples::AppendSample(CDelimitFile* file) {
     CSampleData* last = GetSample();
     if (last == nullptr)
         return ReadSample(file);
+    AppendRecord(file, *last);
+    return GetSamplesCount() - 1;
+}
+
+void CSamples::AppendRecord(CDelimitFile* file, CSampleData& sample) {
     try {
-        last->Read(file);
-        last->SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
+        sample.Read(file);
+        sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
     } catch (const CException& exception) {
         ReportReadingError(&exception);
     } catch (...) {
         ReportReadingError(nullptr);
     }
-    return GetSamplesCount() - 1;
+}
+
+void CSamples::AddSamplesInOrder(std::vector<CSampleData>&& added) {
+    if (added.empty())
+        return;
+    std::stable_sort(added.begin(), added.end(), [](const CSampleData& a, const CSampleData& b) {
+        return a.GetNumber() < b.GetNumber();
+    });
+    const std::vector<int> controls = ControlIndices();
+    std::vector<int> newIndex(static_cast<size_t>(GetSamplesCount()), -1);
+    CArray<CSampleData> merged;
+    merged.Reserve(GetSamplesCount() + static_cast<int>(added.size()));
+    int held = 0;
+    for (CSampleData& sample : added) {
+        // Samples already held go before new ones of the same number.
+        while (held < GetSamplesCount() && m_Samples[held].GetNumber() <= sample.GetNumber()) {
+            newIndex[static_cast<size_t>(held)] = merged.GetSize();
+            merged.Add(std::move(m_Samples[held++]));
+        }
+        merged.Add(std::move(sample));
+    }
+    while (held < GetSamplesCount()) {
+        newIndex[static_cast<size_t>(held)] = merged.GetSize();
+        merged.Add(std::move(m_Samples[held++]));
+    }
+    m_Samples = std::move(merged);
+    RelinkControls(controls,
+                   [&newIndex](int index) { return newIndex[static_cast<size_t>(index)]; });
 }
 
 int CSamples::AddSample() {

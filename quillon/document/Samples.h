@@ -102,6 +102,14 @@ private:
     void RelinkControls(const std::vector<int>& controls, NewIndexOf newIndexOf);
     // Removes the samples marked as duplicates, keeping the control links of the others.
     void RemoveDuplicates();
+    // Reads one "[SAMPLE]" section into sample, with its place in the file and the browser
+    // parameters; false (after showing why) when reading failed.
+    bool ReadSampleRecord(CDelimitFile* file, CSampleData& sample);
+    // Reads a "SAMPLE_APPEND" section into sample; a failure is shown.
+    void AppendRecord(CDelimitFile* file, CSampleData& sample);
+    // Puts the samples among those held in number order, as AddSample would one by one, in
+    // linear-logarithmic time; control links of the samples held are kept.
+    void AddSamplesInOrder(std::vector<CSampleData>&& added);
     // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
     // of the input's block; false for any other section. The elemental counter numbers the
     // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1.

@@ -43,6 +43,10 @@ int CDelimitFile::SplitInto(std::string_view line, CStringArray& fields, int fir
     };
     const std::string_view delimiters = m_delimiters.view();
     while (!line.empty()) {
+        if (slot - firstIndex == kMaxFieldsPerLine - 1) {
+            store(line);
+            break;
+        }
         const size_t at = line.find_first_of(delimiters);
         if (at == std::string_view::npos) {
             store(line);

@@ -41,6 +41,11 @@ public:
     // Reading. Lines are read whole, of any length (ReadString of the base).
     using CStdioFileS::ReadString;
 
+    // The most fields one line is split into: the rest of a longer line stays whole in its last
+    // field. No section of a report has near as many columns; the limit keeps a line of a million
+    // delimiters from costing a million strings.
+    static constexpr int kMaxFieldsPerLine = 4096;
+
     // Splits text at the delimiters and appends the fields; returns the array's size afterwards.
     int ParseDelimitedString(CString text, CStringArray& fields);
     // As above, then classifies the line into *type (when type is not null) and strips the marker
