@@ -20,6 +20,7 @@
 #include <quillon/chemistry/Elements.h>
 #include <quillon/chemistry/Formula.h>
 #include <quillon/chemistry/IsotopeModel.h>
+#include <quillon/chemistry/IsotopePatterns.h>
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
