@@ -26,6 +26,9 @@
 #include <quillon/file/FileRecord.h>
 
 #include <quillon/acquisition/ChromatoData.h>
+#include <quillon/acquisition/DoubleArray.h>
+#include <quillon/acquisition/FloatArray.h>
+#include <quillon/acquisition/IntArray.h>
 #include <quillon/acquisition/ChromatogramPeak.h>
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/MassesData.h>
@@ -42,6 +45,10 @@
 
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/Compounds.h>
+#include <quillon/metabolites/DivBroParams.h>
+#include <quillon/metabolites/ElementalResultsData.h>
+#include <quillon/metabolites/MSMSCorrelation.h>
+#include <quillon/metabolites/MetaboliteData.h>
 
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>

@@ -5,6 +5,8 @@
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/ParametersData.h>
 #include <quillon/metabolites/CompoundData.h>
+#include <quillon/metabolites/MSMSCorrelation.h>
+#include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/String.h>
@@ -15,7 +17,7 @@
 namespace quillon {
 
 class CDelimitFile;
-class CDivBroParams;
+struct CDivBroParams;
 
 // One sample of a report: its header (identity, acquisition files, subject, processing notes),
 // its processing state and the sections read from its "[SAMPLE]" block. Copies are deep, except
@@ -159,6 +161,71 @@ public:
     int CurrentNeutralLoss() const { return m_nCurrentNeutralLoss; }
     void CurrentNeutralLoss(int loss) { m_nCurrentNeutralLoss = loss; }
 
+    // Metabolites (SampleDataMetabolites.cpp), kept in one array in three consecutive groups:
+    // expected, unexpected, then MS/MS correlation metabolites. The counts derive from the last
+    // index of each group and the group's validity flag.
+    int GetMetaboliteCount() const { return m_Metabolites.GetSize(); }
+    int GetExpectedMetaboliteCount() const;
+    int GetUnexpectedMetaboliteCount() const;
+    int GetMSMetaboliteCount() const {
+        return GetExpectedMetaboliteCount() + GetUnexpectedMetaboliteCount();
+    }
+    int GetMSMSCorrelationMetaboliteCount() const;
+    // Index of the first unexpected metabolite (the expected count).
+    int GetUnexpectedMetaboliteFirstEntry() const { return GetExpectedMetaboliteCount(); }
+    // The metabolite at the index, or the last one; null outside the array.
+    CMetaboliteData* GetMetabolite(int index);
+    const CMetaboliteData* GetMetabolite(int index) const;
+    CMetaboliteData* GetMetabolite();
+    // The first metabolite whose peak number is peakID; null when none.
+    CMetaboliteData* GetMetaboliteWithPeakID(int peakID);
+    // Appends a copy and returns its index; an expected or unexpected record becomes the last of
+    // its group. MS/MS rows are placed after the MS metabolites appended so far.
+    int AddMSMetabolite(const CMetaboliteData& metabolite);
+    // Stores a copy at MS/MS entry `entry` (after the MS metabolites), growing the array with
+    // default records as needed; an entry beyond kMaxMSMSEntryGrowth places of the array is
+    // refused. Returns the array size.
+    int AddMSMSMetabolite(int entry, const CMetaboliteData& metabolite);
+    // Marks the MS/MS metabolite of that entry as the correlation's parent and stores the entry.
+    void SetMSMSParentMetabolite(int entry);
+    // Moves metabolite i into the low-energy expected block, kept sorted by found m/z, and grows
+    // the expected group by one.
+    void AddExpectedMetabolite(int index);
+    // Recounts the high-energy expected and unexpected metabolites.
+    void SetHighEnergyMetaboliteCount();
+    // The sample's MS/MS correlation settings (parent entry, mass window).
+    CMSMSCorrelation* GetMSMSCorrelation() { return &m_MSMSCorrelation; }
+    const CMSMSCorrelation* GetMSMSCorrelation() const { return &m_MSMSCorrelation; }
+    // The largest parent mass the metabolite rows have referred to through their compounds.
+    double GetMaxParentMass() const { return m_dMaxParentMass; }
+    void SetInternalStandard(int entry, double area) {
+        m_nInternalStandardEntry = entry;
+        m_dInternalStandardArea = area;
+    }
+    // How far one MS/MS row may grow the metabolite array beyond its size: a row naming an entry
+    // further out is skipped, so a number in a file cannot make the array grow without bound.
+    static constexpr int kMaxMSMSEntryGrowth = 100000;
+
+    // Metabolite sections. ReadMetabolite reads an "EXPECTED METABOLITES" or "UNEXPECTED
+    // METABOLITES" block; ReadMSMSCorrelation an "MSMS CORRELATION" block. Rows never fail:
+    // missing columns take defaults. Each returns 1.
+    int ReadMetabolite(CDelimitFile* file, bool expected);
+    int ReadMSMSCorrelation(CDelimitFile* file);
+    // One MS-layout row: one metabolite per peak identifier of its "Peak" column.
+    int MSMetaboliteNewField(const CStringArray& row, bool expected);
+    // One MS/MS-layout row of the "METABOLITES" table.
+    int MSMSMetaboliteNewField(const CStringArray& row);
+    // One row of the "CORRELATION TABLE"; 0 for a row of fewer than three fields.
+    int MSMSAddCorrelationToMetabolite(const CStringArray& row);
+    // Write the body of an expected/unexpected section and of the "MSMS CORRELATION" section
+    // from memory. Each returns 1.
+    int WriteMSMetabolites(CDelimitFile* file, bool expected);
+    int WriteMSMSMetabolites(CDelimitFile* file);
+    // Elemental candidates: reads one "ELEMENTAL" block into the next non-expected metabolite
+    // without candidates; writes the block of the n-th metabolite after the expected ones.
+    int ReadElemental(CDelimitFile* file);
+    int WriteElementalComposition(CDelimitFile* file, int n);
+
     // Compounds, in file order.
     int GetCompoundCount() const { return m_Compounds.GetSize(); }
     // The compound at the index; null for an index outside the list.
@@ -259,6 +326,10 @@ public:
 private:
     // Stores one header field; 1 for a header identifier, 0 for any other.
     int NewField(const CStringArray& input, int id);
+    // Moves metabolite i into the sorted block of low-energy expected metabolites (by found m/z,
+    // ascending; equal masses keep it behind them). Nothing happens for i at or before the end of
+    // that block.
+    void SetMetaboliteAsExpected(int index);
     // Hands a nested section to its reader by the section's identifier.
     int NewParagraph(CDelimitFile* file, int id);
 
@@ -325,6 +396,13 @@ private:
     CDoubleArray m_MDFParams;
     CArray<CFunctionData> m_Functions;
     CArray<CChromatoData> m_AnalogChannels;
+    CArray<CMetaboliteData> m_Metabolites;
+    int m_nUnexpectedMetaboliteLastEntry = -1;
+    int m_nMSMSMetaboliteLastEntry = -1;
+    int m_nMSMetaboliteCount = 0; // expected and unexpected rows appended so far
+    int m_nNextCompoundNumber = 0;
+    double m_dMaxParentMass = 0.0;
+    CMSMSCorrelation m_MSMSCorrelation;
     // The combined traces numbered -100, -101 and -102, in that order.
     CChromatoData m_CombinedTraces[3];
 };

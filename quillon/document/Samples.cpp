@@ -257,10 +257,12 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             // A sample the collection does not hold: its section is not written.
             in->SkipToNextSection();
             --sampleCounter;
-        } else if (const CSampleData* sample = sampleOfEntry(sampleCounter);
+        } else if (CSampleData* sample = sampleOfEntry(sampleCounter);
                    sample != nullptr && sample->IsDuplicate()) {
             in->MoveToNextSection();
             duplicatesDropped = true;
+        } else if (sample != nullptr && WriteMetaboliteSection(line, *sample, in, out)) {
+            // Written from memory in place of the old block.
         } else if (line == "[MOLFILE LIST]") {
             out->WriteSectionHeader("MOLFILE LIST");
             CopyMolfileList(in, out, parentToReplace, outputParent);
@@ -283,6 +285,71 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     }
     RemoveDuplicates();
     return 1;
+}
+
+bool CSamples::WriteMetaboliteSection(const CString& header, CSampleData& sample, CDelimitFile* in,
+                                      CDelimitFile* out) {
+    if (header == "[EXPECTED METABOLITES]") {
+        out->WriteSectionHeader("EXPECTED METABOLITES");
+        sample.WriteMSMetabolites(out, true);
+    } else if (header == "[UNEXPECTED METABOLITES]") {
+        out->WriteSectionHeader("UNEXPECTED METABOLITES");
+        sample.WriteMSMetabolites(out, false);
+    } else if (header == "[MSMS CORRELATION]") {
+        out->WriteSectionHeader("MSMS CORRELATION");
+        sample.WriteMSMSMetabolites(out);
+    } else {
+        return false;
+    }
+    in->MoveToNextSection();
+    return true;
+}
+
+bool CSamples::CreateOverallMSSummaryData(CArray<MetaboliteCountInfo>& summary, int first,
+                                          int last) {
+    summary.RemoveAll();
+    if (first < 0)
+        first = 0;
+    if (last < 0)
+        last = GetSamplesCount() - 1;
+    if (first > last)
+        return true;
+    const int columns = last - first + 1;
+    CString name;
+    CString label;
+    for (int s = first; s <= last; ++s) {
+        CSampleData* sample = GetSample(s);
+        if (sample == nullptr || !sample->ExpectedMetabolitesValid())
+            continue;
+        for (int i = 0; i < sample->GetExpectedMetaboliteCount(); ++i) {
+            const CMetaboliteData* metabolite = sample->GetMetabolite(i);
+            if (metabolite == nullptr || metabolite->IsHiEnergy())
+                continue;
+            metabolite->GetMetName(name);
+            const double shift = metabolite->GetMetabolite();
+            if (std::fabs(shift) > 0.5)
+                label.Format("%+.0f", shift);
+            else
+                label.Empty();
+            MetaboliteCountInfo* entry = nullptr;
+            for (MetaboliteCountInfo& candidate : summary) {
+                if (candidate.label == label && candidate.name == name) {
+                    entry = &candidate;
+                    break;
+                }
+            }
+            if (entry == nullptr) {
+                MetaboliteCountInfo added;
+                added.name = name;
+                added.label = label;
+                added.counts.assign(static_cast<size_t>(columns), 0);
+                entry = &summary[summary.Add(std::move(added))];
+            }
+            if (metabolite->GetFound())
+                ++entry->counts[static_cast<size_t>(s - first)];
+        }
+    }
+    return true;
 }
 
 void CSamples::CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,

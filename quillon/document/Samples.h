@@ -9,7 +9,16 @@
 namespace quillon {
 
 class CDelimitFile;
-class CDivBroParams;
+struct CDivBroParams;
+
+// One row of the found-count summary over a range of samples: an expected metabolite's name, its
+// mass shift as a label ("+16" for a shift of 15.9949; empty within 0.5 of zero) and, per sample
+// of the range, how many found metabolites of that sample carry this name and label.
+struct MetaboliteCountInfo {
+    CString name;
+    CString label;
+    std::vector<int> counts;
+};
 
 // The report document: every sample of one report file, kept in ascending order of sample number.
 // It reads a whole report, links samples to their control samples, and writes an updated report by
@@ -65,6 +74,10 @@ public:
     // True when any sample has lock-spray (respectively MUX) acquisition enabled.
     bool GetLockSprayEnabled() const;
     bool GetMUXEnabled() const;
+    // The found counts of the low-energy expected metabolites of samples first..last (a negative
+    // first means 0, a negative last the last sample), one row per name and shift label in the
+    // order they first appear. A name never found still gets a row of zeros. Returns true.
+    bool CreateOverallMSSummaryData(CArray<MetaboliteCountInfo>& summary, int first, int last);
 
     // Copies the report file the collection was read from (in, at its start) to out, line by
     // line: empty lines are dropped, duplicate samples are left out with their blocks, the
@@ -86,6 +99,10 @@ private:
     void RemoveDuplicates();
     // Copies the molfile list's lines up to and including the first lone "}", replacing the
     // first occurrence of from by to in each line when from is not empty.
+    // Writes an expected, unexpected or MS/MS correlation section from memory in place of the
+    // input's block; false for any other header.
+    static bool WriteMetaboliteSection(const CString& header, CSampleData& sample, CDelimitFile* in,
+                                       CDelimitFile* out);
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 

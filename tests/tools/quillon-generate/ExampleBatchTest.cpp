@@ -94,6 +94,17 @@ TEST(ExampleBatchTest, SamplesHeadersCompoundsParametersAndMassDefectFilterReadB
         EXPECT_EQ(sample.GetParameters()->NegativeAdducts().GetSize(), expected.negativeAdducts);
         EXPECT_EQ(sample.GetMDFMasses()->GetSize(), expected.mdfMasses);
         EXPECT_EQ(sample.GetMDFParams()->GetSize(), expected.mdfParameters);
+
+        EXPECT_EQ(sample.GetExpectedMetaboliteCount(), expected.expectedRecords);
+        EXPECT_EQ(sample.GetUnexpectedMetaboliteCount(), expected.unexpectedRecords);
+        const int msms = sample.GetMSMSCorrelationMetaboliteCount();
+        EXPECT_EQ(msms, expected.msmsRecords);
+        // Every correlation row reached its metabolite: entries x entries texts in all.
+        int correlationEntries = 0;
+        for (int m = sample.GetMSMetaboliteCount(); m < sample.GetMetaboliteCount(); ++m)
+            correlationEntries += sample.GetMetabolite(m)->GetCorrelationEntryCount();
+        EXPECT_EQ(correlationEntries, expected.correlationRows > 0 ? msms * msms : 0);
+        EXPECT_EQ(expected.correlationRows, msms * msms);
     }
 }
 
