@@ -26,11 +26,11 @@
 #include <quillon/file/FileRecord.h>
 
 #include <quillon/acquisition/ChromatoData.h>
+#include <quillon/acquisition/ChromatogramPeak.h>
 #include <quillon/acquisition/DoubleArray.h>
 #include <quillon/acquisition/FloatArray.h>
-#include <quillon/acquisition/IntArray.h>
-#include <quillon/acquisition/ChromatogramPeak.h>
 #include <quillon/acquisition/FunctionData.h>
+#include <quillon/acquisition/IntArray.h>
 #include <quillon/acquisition/MassesData.h>
 #include <quillon/acquisition/ParametersData.h>
 #include <quillon/acquisition/PeakData.h>
@@ -48,7 +48,9 @@
 #include <quillon/metabolites/DivBroParams.h>
 #include <quillon/metabolites/ElementalResultsData.h>
 #include <quillon/metabolites/MSMSCorrelation.h>
+#include <quillon/metabolites/MSMSMetabolite.h>
 #include <quillon/metabolites/MetaboliteData.h>
+#include <quillon/metabolites/MetaboliteDisplay.h>
 
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>

@@ -128,6 +128,7 @@ constexpr NamedId kSections[] = {
     {"EXPECTED METABOLITES", kExpectedMetabolitesSection},
     {"UNEXPECTED METABOLITES", kUnexpectedMetabolitesSection},
     {"MSMS CORRELATION", kMSMSCorrelationSection},
+    {"ELEMENTAL", kElementalSection},
 };
 
 // Adds one more line to a text that collects repeated fields.
@@ -184,6 +185,8 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
     case kMSMSCorrelationSection:
         m_bMSMSMetabolitesValid = true;
         return ReadMSMSCorrelation(file);
+    case kElementalSection:
+        return ReadElemental(file);
     default:
         return 0;
     }

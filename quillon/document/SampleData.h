@@ -4,8 +4,10 @@
 #include <quillon/acquisition/DoubleArray.h>
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/ParametersData.h>
+#include <quillon/acquisition/TraceType.h>
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/MSMSCorrelation.h>
+#include <quillon/metabolites/MSMSMetabolite.h>
 #include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
@@ -221,10 +223,6 @@ public:
     // from memory. Each returns 1.
     int WriteMSMetabolites(CDelimitFile* file, bool expected);
     int WriteMSMSMetabolites(CDelimitFile* file);
-    // Elemental candidates: reads one "ELEMENTAL" block into the next non-expected metabolite
-    // without candidates; writes the block of the n-th metabolite after the expected ones.
-    int ReadElemental(CDelimitFile* file);
-    int WriteElementalComposition(CDelimitFile* file, int n);
 
     // Compounds, in file order.
     int GetCompoundCount() const { return m_Compounds.GetSize(); }
@@ -323,6 +321,32 @@ public:
     // parameter. Returns 1.
     int MDFNewField(const CStringArray& row);
 
+    // Elemental candidates (SampleDataElemental.cpp). ReadElemental hands the rows of one
+    // "ELEMENTAL" section to the first metabolite that is not expected and has no candidates yet,
+    // then marks that metabolite and the sample as having candidates; with no such metabolite the
+    // section is passed over. Returns 1.
+    int ReadElemental(CDelimitFile* file);
+    // Writes the block of the n-th metabolite after the expected ones (n from 1): a header line and
+    // one row per candidate of positive mass, or nothing between the braces when that metabolite
+    // is missing, expected or without candidates. Returns 1.
+    int WriteElementalComposition(CDelimitFile* file, int n);
+
+    // Area totals and percentages (SampleDataAreas.cpp), over the low-energy metabolites before
+    // the first MS/MS correlation metabolite that have a trace and a peak. Totals are kept per
+    // group (expected, unexpected) and detector kind (MS for any kind but diode array and analog).
+    // DetermineAreaTotals sums the peaks' absolute areas. CalculateMetabolitePercentAreas then
+    // gives each peak its share of its group and kind (RelativeArea) and each found metabolite's
+    // peak its share of the found ones (AreaPercentTotal; found peaks of 300 and 100 beside an
+    // unfound one of 100 get 60, 20, 20 and 75, 25, 0). With applyFilters, metabolites the browser
+    // parameters reject keep their share but get no found share.
+    void DetermineAreaTotals();
+    void CalculateMetabolitePercentAreas(bool applyFilters);
+    double GetAreaTotal(bool expected, TRACE_TYPE kind) const;
+
+    // The browser's list of MS/MS correlation metabolites in entry order (SampleDataMSMSList.cpp);
+    // returns the number of rows.
+    int GetMSMSMetaboliteList(CArray<CMSMSMetabolite>& list);
+
 private:
     // Stores one header field; 1 for a header identifier, 0 for any other.
     int NewField(const CStringArray& input, int id);
@@ -405,6 +429,9 @@ private:
     CMSMSCorrelation m_MSMSCorrelation;
     // The combined traces numbered -100, -101 and -102, in that order.
     CChromatoData m_CombinedTraces[3];
+    // Metabolite area totals by group (expected, unexpected) and detector kind (MS, diode array,
+    // analog).
+    double m_AreaTotals[2][3] = {};
 };
 
 } // namespace quillon

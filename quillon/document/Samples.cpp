@@ -84,7 +84,17 @@ int CSamples::Read(CDelimitFile* file) {
             AppendSample(file);
     }
     SetControlSamples();
+    for (CSampleData& sample : m_Samples)
+        DeriveMetaboliteResults(sample);
     return 1;
+}
+
+void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
+    // The fragment analysis's validation of the sample's energy pairs comes first, once it exists.
+    sample.SetHighEnergyMetaboliteCount();
+    sample.DetermineAreaTotals();
+    sample.CalculateMetabolitePercentAreas(false);
+    sample.CalculateMetabolitePercentAreas(true);
 }
 
 int CSamples::ReadSample(CDelimitFile* file) {
@@ -242,6 +252,9 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     };
 
     int sampleCounter = -1;
+    // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section, from 1: the
+    // n-th holds the candidates of the n-th metabolite after the expected ones.
+    int elementalCounter = 0;
     bool duplicatesDropped = false;
     CString line;
     while (in->ReadString(line)) {
@@ -261,7 +274,8 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
                    sample != nullptr && sample->IsDuplicate()) {
             in->MoveToNextSection();
             duplicatesDropped = true;
-        } else if (sample != nullptr && WriteMetaboliteSection(line, *sample, in, out)) {
+        } else if (sample != nullptr &&
+                   WriteMetaboliteSection(line, *sample, elementalCounter, in, out)) {
             // Written from memory in place of the old block.
         } else if (line == "[MOLFILE LIST]") {
             out->WriteSectionHeader("MOLFILE LIST");
@@ -287,14 +301,18 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     return 1;
 }
 
-bool CSamples::WriteMetaboliteSection(const CString& header, CSampleData& sample, CDelimitFile* in,
-                                      CDelimitFile* out) {
+bool CSamples::WriteMetaboliteSection(const CString& header, CSampleData& sample,
+                                      int& elementalCounter, CDelimitFile* in, CDelimitFile* out) {
     if (header == "[EXPECTED METABOLITES]") {
         out->WriteSectionHeader("EXPECTED METABOLITES");
         sample.WriteMSMetabolites(out, true);
     } else if (header == "[UNEXPECTED METABOLITES]") {
         out->WriteSectionHeader("UNEXPECTED METABOLITES");
         sample.WriteMSMetabolites(out, false);
+        elementalCounter = 0;
+    } else if (header == "[ELEMENTAL]") {
+        out->WriteSectionHeader("ELEMENTAL");
+        sample.WriteElementalComposition(out, ++elementalCounter);
     } else if (header == "[MSMS CORRELATION]") {
         out->WriteSectionHeader("MSMS CORRELATION");
         sample.WriteMSMSMetabolites(out);

@@ -39,7 +39,7 @@ public:
     // Opens the report file read-only and reads it; 0 when it cannot be opened, otherwise 1.
     int Read(const char* path);
     // Reads every "[SAMPLE]" and "SAMPLE_APPEND" section to the end of the file, then links the
-    // control samples. Returns 1.
+    // control samples and derives each sample's metabolite counts and area percentages. Returns 1.
     int Read(CDelimitFile* file);
     // Reads one sample section (the header line has just been read) into a new sample placed in
     // number order; returns its index. A failure while reading is shown through the message
@@ -88,6 +88,10 @@ public:
     int Write(CDelimitFile* in, CDelimitFile* out);
 
 private:
+    // The passes that need a whole sample in memory, run on every sample after reading: the
+    // high-energy metabolite counts, the area totals, and the area percentages first without and
+    // then with the browser's filters (so the filtered found percentages are the ones kept).
+    static void DeriveMetaboliteResults(CSampleData& sample);
     // The index in this collection of each sample's control sample, -1 for a sample without one
     // or whose control lies outside the collection; empty when no sample has such a link.
     std::vector<int> ControlIndices() const;
@@ -97,12 +101,13 @@ private:
     void RelinkControls(const std::vector<int>& controls, NewIndexOf newIndexOf);
     // Removes the samples marked as duplicates, keeping the control links of the others.
     void RemoveDuplicates();
+    // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
+    // of the input's block; false for any other header. The elemental counter numbers the
+    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1.
+    static bool WriteMetaboliteSection(const CString& header, CSampleData& sample,
+                                       int& elementalCounter, CDelimitFile* in, CDelimitFile* out);
     // Copies the molfile list's lines up to and including the first lone "}", replacing the
     // first occurrence of from by to in each line when from is not empty.
-    // Writes an expected, unexpected or MS/MS correlation section from memory in place of the
-    // input's block; false for any other header.
-    static bool WriteMetaboliteSection(const CString& header, CSampleData& sample, CDelimitFile* in,
-                                       CDelimitFile* out);
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 

@@ -1,5 +1,6 @@
 #include <quillon/document/Samples.h>
 #include <quillon/file/DelimitFile.h>
+#include <quillon/metabolites/ElementalResultsData.h>
 
 #include "support/TempFile.h"
 
@@ -36,7 +37,7 @@ std::vector<std::string> WithoutMetaboliteSections(const std::vector<std::string
     int depth = -1; // >= 0 while inside a regenerated section
     for (const std::string& line : lines) {
         if (depth < 0 && (line == "[EXPECTED METABOLITES]" || line == "[UNEXPECTED METABOLITES]" ||
-                          line == "[MSMS CORRELATION]")) {
+                          line == "[ELEMENTAL]" || line == "[MSMS CORRELATION]")) {
             depth = 0;
             continue;
         }
@@ -61,8 +62,8 @@ void WriteCopy(CSamples& samples, const std::string& from, const TempFile& to) {
 
 // The example batch written back under another name: every line outside the metabolite sections
 // is copied (empty lines dropped, molfile references renamed), the metabolite sections are
-// regenerated from memory and read back into the same metabolites, and a second save of the copy
-// under the same name gives the same file.
+// regenerated from memory and read back into the same metabolites and elemental candidates, and
+// a second save of the copy under the same name gives the same file.
 TEST(SamplesExampleTest, TheExampleBatchIsWrittenBackAndReadsTheSame) {
     CSamples original;
     ASSERT_EQ(original.Read(kExample.c_str()), 1);
@@ -118,6 +119,15 @@ TEST(SamplesExampleTest, TheExampleBatchIsWrittenBackAndReadsTheSame) {
             EXPECT_EQ(a.GetPeakArea(), b.GetPeakArea());
             EXPECT_NEAR(a.GetMzFound(), b.GetMzFound(), 1e-4);
             EXPECT_EQ(a.IsMSMSParent(), b.IsMSMSParent());
+            ASSERT_EQ(a.GetNumElementalResults(), b.GetNumElementalResults());
+            CElementalResultsData left;
+            CElementalResultsData right;
+            for (int c = 0; c < b.GetNumElementalResults(); ++c) {
+                a.GetElementalResults(c, left);
+                b.GetElementalResults(c, right);
+                EXPECT_EQ(left.GetMonoMassFormula(), right.GetMonoMassFormula());
+                EXPECT_NEAR(left.GetiFITnorm(), right.GetiFITnorm(), 1e-6);
+            }
             for (int e = 0; e < b.GetCorrelationEntryCount(); ++e) {
                 CString left;
                 CString right;

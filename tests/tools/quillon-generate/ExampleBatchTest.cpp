@@ -12,6 +12,8 @@
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/metabolites/ElementalResultsData.h>
+#include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/platform/HostHooks.h>
 
 #include <gtest/gtest.h>
@@ -175,6 +177,48 @@ TEST(ExampleBatchTest, FunctionsChromatogramsPeaksSpectraAndAnalogChannelsReadBa
         const int cluster = sample.GetCorispondingPeakInfo(1, 0)->GetPeakClusterID();
         EXPECT_GE(sample.GetNumberOfChroGraphsInCluster(cluster), 4);
     }
+}
+
+// Each "ELEMENTAL" section belongs to the unexpected record of the same place: the candidates of a
+// found metabolite, an empty list for its high-energy partner.
+TEST(ExampleBatchTest, ElementalCandidatesReadBackToTheirUnexpectedMetabolites) {
+    const BatchSummary& written = ExampleSummary();
+    CSamples& samples = Example();
+    ASSERT_EQ(samples.GetSamplesCount(), static_cast<int>(written.samples.size()));
+    int candidates = 0;
+    for (int s = 0; s < samples.GetSamplesCount(); ++s) {
+        SCOPED_TRACE("sample " + std::to_string(s + 1));
+        CSampleData& sample = *samples.GetSample(s);
+        const std::vector<int>& rows = written.samples[static_cast<size_t>(s)].elementalRows;
+        ASSERT_EQ(sample.GetUnexpectedMetaboliteCount(), static_cast<int>(rows.size()));
+        EXPECT_EQ(sample.GetElementalEnabled(), !rows.empty());
+        for (int i = 0; i < static_cast<int>(rows.size()); ++i) {
+            const CMetaboliteData& metabolite =
+                *sample.GetMetabolite(sample.GetExpectedMetaboliteCount() + i);
+            EXPECT_TRUE(metabolite.IsUnexpected());
+            EXPECT_TRUE(metabolite.IsElementalEnabled());
+            ASSERT_EQ(metabolite.GetNumElementalResults(), rows[static_cast<size_t>(i)]);
+            CElementalResultsData candidate;
+            for (int c = 0; c < metabolite.GetNumElementalResults(); ++c) {
+                ASSERT_TRUE(metabolite.GetElementalResults(c, candidate));
+                // Every candidate explains the found m/z by its ion formula.
+                EXPECT_NEAR(candidate.GetMass(), metabolite.GetMzFound(), 5e-5);
+                const double ion =
+                    CFormula::Parse(candidate.GetFormula().view()).MonoisotopicMass() -
+                    CElements::kElectronMass;
+                EXPECT_NEAR(candidate.GetCalcMass(), ion, 5e-6);
+                EXPECT_NEAR(candidate.GetmDa(), (candidate.GetMass() - ion) * 1000.0, 1e-3);
+                ++candidates;
+            }
+        }
+        // No expected or MS/MS correlation metabolite takes candidates.
+        for (int i = 0; i < sample.GetMetaboliteCount(); ++i) {
+            if (!sample.GetMetabolite(i)->IsUnexpected()) {
+                EXPECT_EQ(sample.GetMetabolite(i)->GetNumElementalResults(), 0);
+            }
+        }
+    }
+    EXPECT_GT(candidates, 0);
 }
 
 TEST(ExampleBatchTest, NeutralLossListReadsBackFromTheSettingsFile) {
