@@ -39,6 +39,8 @@
 #include <quillon/acquisition/SpectrumData.h>
 #include <quillon/acquisition/TraceType.h>
 
+#include <quillon/fragments/FragmentAnalysis.h>
+#include <quillon/fragments/FragmentList.h>
 #include <quillon/fragments/NeutralLossEntry.h>
 
 #include <quillon/companions/TarnwickIniInterface.h>
