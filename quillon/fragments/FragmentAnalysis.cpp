@@ -17,7 +17,20 @@ QUILLON_IMPLEMENT_DYNAMIC(CFragmentAnalysis, CObject)
 using namespace fragments;
 
 namespace {
+
 constexpr const char* kMessageTitle = "Hollbeck Browser";
+
+// Ends the progress display and shows the message of a failed run; a host hook that throws in
+// turn is ignored, so that nothing leaves the analysis.
+void ReportFailure(const CString& message, bool progressShown) {
+    try {
+        if (progressShown)
+            EndProgress();
+        ShowMessage(message, kMessageTitle, MessageIcon::Exclamation);
+    } catch (...) {
+    }
+}
+
 } // namespace
 
 void CFragmentAnalysis::Initialise() {
@@ -115,14 +128,9 @@ bool CFragmentAnalysis::DoFragmentAnalysis(CSampleData* sample) {
         exception.GetErrorMessage(text, sizeof text);
         CString message;
         message.Format("Exception generated during fragment analysis:\n%s", text);
-        if (progressShown)
-            EndProgress();
-        ShowMessage(message, kMessageTitle, MessageIcon::Exclamation);
+        ReportFailure(message, progressShown);
     } catch (...) {
-        if (progressShown)
-            EndProgress();
-        ShowMessage("Unknown exception generated during fragment analysis", kMessageTitle,
-                    MessageIcon::Exclamation);
+        ReportFailure("Unknown exception generated during fragment analysis", progressShown);
     }
     return false;
 }

@@ -349,6 +349,12 @@ TEST(FragmentAnalysisTest, ProgressCancellationAndExceptionsGoThroughTheHooks) {
         EXPECT_EQ(hooks.messages,
                   std::vector<std::string>{"Unknown exception generated during fragment analysis"});
         EXPECT_EQ(hooks.ended, 1);
+        // Nor when the message hook throws in turn.
+        throwing.showMessage = [](const CString&, const CString&, MessageIcon) -> int {
+            throw std::runtime_error("no window");
+        };
+        SetHostHooks(throwing);
+        EXPECT_FALSE(fa->DoFragmentAnalysis(&sample));
     }
 }
 
