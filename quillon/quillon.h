@@ -8,6 +8,7 @@
 #include <quillon/platform/File.h>
 #include <quillon/platform/FileException.h>
 #include <quillon/platform/HostHooks.h>
+#include <quillon/platform/NumberConversion.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
 #include <quillon/platform/ProcessInfo.h>

@@ -4,7 +4,11 @@
 
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/ChromatogramPeak.h>
+#include <quillon/acquisition/FunctionData.h>
 #include <quillon/metabolites/MetaboliteData.h>
+
+#include <unordered_map>
+#include <utility>
 
 namespace quillon {
 
@@ -23,18 +27,49 @@ int KindIndex(TRACE_TYPE type) {
     return type == PDA_TRACE ? 1 : type == ANALOG_TRACE ? 2 : 0;
 }
 
+// The first peak of each identifier in the sample's walk order (functions, their chromatograms,
+// their peaks) with the chromatogram holding it: what GetCorispondingPeakInfo(id, 0) and
+// GetCorispondingChroMatogram(id, 0) find, indexed once so that a pass over the metabolites does
+// not walk every peak for each of them.
+class FirstPeaks {
+public:
+    explicit FirstPeaks(CSampleData& sample) {
+        for (int f = 0; f < sample.GetFunctionCount(); ++f) {
+            CFunctionData* function = sample.GetFunction(f);
+            for (int c = 0; c < function->GetNumChromatogram(); ++c) {
+                CChromatoData* chromatogram = function->GetChromatogram(c);
+                for (int p = 0; p < chromatogram->GetNumberOfListPeaks(); ++p) {
+                    CChromatogramPeak* peak = chromatogram->GetChromatPeakData(p);
+                    m_first.try_emplace(peak->GetPeakID(), chromatogram, peak);
+                }
+            }
+        }
+    }
+
+    // The peak and its chromatogram; nulls when no peak has the identifier.
+    std::pair<CChromatoData*, CChromatogramPeak*> Find(int peakID) const {
+        const auto found = m_first.find(peakID);
+        return found != m_first.end() ? found->second
+                                      : std::pair<CChromatoData*, CChromatogramPeak*>{};
+    }
+
+private:
+    std::unordered_map<int, std::pair<CChromatoData*, CChromatogramPeak*>> m_first;
+};
+
 // Calls visit for every low-energy metabolite before the first MS/MS correlation metabolite that
-// has both a trace and a peak.
+// has both a trace (CMetaboliteData::GetTrace) and a peak.
 template <class Visit>
-void ForEachAreaMember(CSampleData& sample, Visit visit) {
+void ForEachAreaMember(CSampleData& sample, const FirstPeaks& peaks, Visit visit) {
     for (int i = 0; i < sample.GetMetaboliteCount(); ++i) {
         CMetaboliteData* metabolite = sample.GetMetabolite(i);
         if (metabolite == nullptr || metabolite->IsHiEnergy())
             continue;
         if (metabolite->IsMSMSCorrelation())
             return;
-        CChromatoData* trace = metabolite->GetTrace(&sample);
-        CChromatogramPeak* peak = sample.GetCorispondingPeakInfo(metabolite->GetPeakNum(), 0);
+        const auto [holder, peak] = peaks.Find(metabolite->GetPeakNum());
+        CChromatoData* trace =
+            metabolite->GetTraceNum() < 1 ? holder : sample.GetTrace(metabolite->GetTraceNum());
         if (trace == nullptr || peak == nullptr)
             continue;
         visit(AreaMember{metabolite, trace, peak, metabolite->IsExpected() ? 0 : 1,
@@ -59,18 +94,19 @@ void CSampleData::DetermineAreaTotals() {
     for (auto& group : m_AreaTotals)
         for (double& total : group)
             total = 0.0;
-    ForEachAreaMember(*this, [this](const AreaMember& member) {
+    ForEachAreaMember(*this, FirstPeaks(*this), [this](const AreaMember& member) {
         m_AreaTotals[member.group][member.kind] += member.peak->GetAreaAbs();
     });
 }
 
 void CSampleData::CalculateMetabolitePercentAreas(bool applyFilters) {
+    const FirstPeaks peaks(*this);
     double foundTotals[2][3] = {};
     auto rejected = [&](const AreaMember& member) {
         return applyFilters && !member.metabolite->ApplyDataFilters(m_pParams, false);
     };
 
-    ForEachAreaMember(*this, [&](const AreaMember& member) {
+    ForEachAreaMember(*this, peaks, [&](const AreaMember& member) {
         CChromatogramPeak& peak = *member.peak;
         // A total of 0 comes only from peaks of area 0, whose share is then 0 too.
         const double total = m_AreaTotals[member.group][member.kind];
@@ -94,7 +130,7 @@ void CSampleData::CalculateMetabolitePercentAreas(bool applyFilters) {
             if (total == 0.0)
                 total = 1.0;
 
-    ForEachAreaMember(*this, [&](const AreaMember& member) {
+    ForEachAreaMember(*this, peaks, [&](const AreaMember& member) {
         if (rejected(member) || !HasFoundPercentage(*member.trace) ||
             !member.metabolite->GetFound())
             return;

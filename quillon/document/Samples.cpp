@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 #include <functional>
+#include <string_view>
 #include <utility>
 
 namespace quillon {
@@ -21,7 +22,7 @@ namespace {
 // Top-level sections of a report file.
 enum TopLevelSection { kSampleSection = 0, kSampleAppendSection = 1 };
 
-constexpr const char kSampleHeader[] = "[SAMPLE]";
+constexpr std::string_view kSampleSectionName = "SAMPLE";
 constexpr const char kReadingErrorTitle[] = "Hollbeck Browser";
 constexpr const char kReadingErrorText[] = "Error reading sample";
 // Longest exception text shown, terminator included.
@@ -74,14 +75,32 @@ int CSamples::Read(const char* path) {
 }
 
 int CSamples::Read(CDelimitFile* file) {
-    CFileRecord record;
-    record.AddParagraph("SAMPLE", kSampleSection);
-    record.AddParagraph("SAMPLE_APPEND", kSampleAppendSection);
-    while (record.Read(file)) {
-        if (record.GetID() == kSampleSection)
-            ReadSample(file);
-        else if (record.GetID() == kSampleAppendSection)
-            AppendSample(file);
+    // The top level of a report: "[SAMPLE]" and "[SAMPLE_APPEND]" sections are read; any other
+    // section is passed over with its block, and so is a stray block or a stray "}", so that one
+    // section this library does not know never ends the reading of the samples after it.
+    // A read error between samples ends the reading with a message, like one inside a sample.
+    if (file != nullptr) {
+        try {
+            CStringArray fields;
+            int type = RECORD_EMPTY;
+            int strayDepth = 0;
+            while (file->ReadDelimitedString(fields, &type)) {
+                if (type == RECORD_BLOCK_START) {
+                    ++strayDepth;
+                } else if (type == RECORD_BLOCK_END) {
+                    strayDepth = strayDepth > 0 ? strayDepth - 1 : 0;
+                } else if (type == RECORD_PARAGRAPH && strayDepth == 0) {
+                    if (fields[0] == "SAMPLE")
+                        ReadSample(file);
+                    else if (fields[0] == "SAMPLE_APPEND")
+                        AppendSample(file);
+                }
+            }
+        } catch (const CException& exception) {
+            ReportReadingError(&exception);
+        } catch (...) {
+            ReportReadingError(nullptr);
+        }
     }
     SetControlSamples();
     for (CSampleData& sample : m_Samples)
@@ -103,9 +122,9 @@ int CSamples::ReadSample(CDelimitFile* file) {
     if (file == nullptr)
         return GetSamplesCount() - 1;
     try {
-        // The section starts where its header line did (a line end is one character).
+        // The section starts where its header line did, whatever its line end.
         const int64_t afterHeader = file->GetPosition();
-        const int64_t headerLength = static_cast<int64_t>(std::strlen(kSampleHeader)) + 1;
+        const int64_t headerLength = file->GetLastLineLength();
         const auto start =
             static_cast<unsigned long>(afterHeader > headerLength ? afterHeader - headerLength : 0);
 
@@ -259,14 +278,16 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     int elementalCounter = 0;
     bool duplicatesDropped = false;
     CString line;
+    std::string_view section;
     while (in->ReadString(line)) {
         if (line.IsEmpty())
             continue;
-        if (line[0] != '[') {
+        // Section headers are told by the same rule the reader goes by.
+        if (in->ClassifyLine(line.view(), &section) != RECORD_PARAGRAPH) {
             out->WriteRecord(line);
             continue;
         }
-        if (line == kSampleHeader)
+        if (section == kSampleSectionName)
             ++sampleCounter;
         if (sampleCounter > GetSamplesCount() - 1) {
             // A sample the collection does not hold: its section is not written.
@@ -277,9 +298,9 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             in->MoveToNextSection();
             duplicatesDropped = true;
         } else if (sample != nullptr &&
-                   WriteMetaboliteSection(line, *sample, elementalCounter, in, out)) {
+                   WriteMetaboliteSection(section, *sample, elementalCounter, in, out)) {
             // Written from memory in place of the old block.
-        } else if (line == "[MOLFILE LIST]") {
+        } else if (section == "MOLFILE LIST") {
             out->WriteSectionHeader("MOLFILE LIST");
             CopyMolfileList(in, out, parentToReplace, outputParent);
         } else {
@@ -303,19 +324,19 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     return 1;
 }
 
-bool CSamples::WriteMetaboliteSection(const CString& header, CSampleData& sample,
+bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sample,
                                       int& elementalCounter, CDelimitFile* in, CDelimitFile* out) {
-    if (header == "[EXPECTED METABOLITES]") {
+    if (section == "EXPECTED METABOLITES") {
         out->WriteSectionHeader("EXPECTED METABOLITES");
         sample.WriteMSMetabolites(out, true);
-    } else if (header == "[UNEXPECTED METABOLITES]") {
+    } else if (section == "UNEXPECTED METABOLITES") {
         out->WriteSectionHeader("UNEXPECTED METABOLITES");
         sample.WriteMSMetabolites(out, false);
         elementalCounter = 0;
-    } else if (header == "[ELEMENTAL]") {
+    } else if (section == "ELEMENTAL") {
         out->WriteSectionHeader("ELEMENTAL");
         sample.WriteElementalComposition(out, ++elementalCounter);
-    } else if (header == "[MSMS CORRELATION]") {
+    } else if (section == "MSMS CORRELATION") {
         out->WriteSectionHeader("MSMS CORRELATION");
         sample.WriteMSMSMetabolites(out);
     } else {
@@ -376,7 +397,7 @@ void CSamples::CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CStrin
                                const CString& to) {
     CString line;
     while (in->ReadString(line)) {
-        const bool endOfList = line == "}";
+        const bool endOfList = in->ClassifyLine(line.view()) == RECORD_BLOCK_END;
         const int found = from.IsEmpty() ? -1 : line.Find(from);
         if (found >= 0) {
             line.Delete(found, from.GetLength());

@@ -4,6 +4,7 @@
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 
+#include <string_view>
 #include <vector>
 
 namespace quillon {
@@ -102,12 +103,12 @@ private:
     // Removes the samples marked as duplicates, keeping the control links of the others.
     void RemoveDuplicates();
     // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
-    // of the input's block; false for any other header. The elemental counter numbers the
+    // of the input's block; false for any other section. The elemental counter numbers the
     // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1.
-    static bool WriteMetaboliteSection(const CString& header, CSampleData& sample,
+    static bool WriteMetaboliteSection(std::string_view section, CSampleData& sample,
                                        int& elementalCounter, CDelimitFile* in, CDelimitFile* out);
-    // Copies the molfile list's lines up to and including the first lone "}", replacing the
-    // first occurrence of from by to in each line when from is not empty.
+    // Copies the molfile list's lines up to and including the line that closes its block,
+    // replacing the first occurrence of from by to in each line when from is not empty.
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 

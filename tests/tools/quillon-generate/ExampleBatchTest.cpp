@@ -221,6 +221,28 @@ TEST(ExampleBatchTest, ElementalCandidatesReadBackToTheirUnexpectedMetabolites) 
     EXPECT_GT(candidates, 0);
 }
 
+// Reading ends with the area passes: every sample has metabolite area totals, and its found
+// expected metabolites have their share of the group's area.
+TEST(ExampleBatchTest, AreaPercentagesAreDerivedWhenTheBatchIsRead) {
+    CSamples& samples = Example();
+    ASSERT_GT(samples.GetSamplesCount(), 0);
+    for (int s = 0; s < samples.GetSamplesCount(); ++s) {
+        SCOPED_TRACE("sample " + std::to_string(s + 1));
+        CSampleData& sample = *samples.GetSample(s);
+        EXPECT_GT(sample.GetAreaTotal(true, MS_TRACE), 0.0);
+        int withShare = 0;
+        for (int i = 0; i < sample.GetExpectedMetaboliteCount(); ++i) {
+            const CMetaboliteData& metabolite = *sample.GetMetabolite(i);
+            if (!metabolite.GetFound() || metabolite.IsHiEnergy() || metabolite.GetPeakNum() < 1)
+                continue;
+            EXPECT_GT(metabolite.GetRelativePeakArea(), 0.0) << i;
+            EXPECT_LE(metabolite.GetRelativePeakArea(), 100.0) << i;
+            ++withShare;
+        }
+        EXPECT_GT(withShare, 0);
+    }
+}
+
 TEST(ExampleBatchTest, NeutralLossListReadsBackFromTheSettingsFile) {
     const BatchSummary& written = ExampleSummary();
     // The settings file is found in the host's working directory: here, the examples folder.
