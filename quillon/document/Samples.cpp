@@ -136,7 +136,9 @@ int CSamples::Read(CDelimitFile* file) {
 }
 
 void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
-    // The fragment analysis's validation of the sample's energy pairs comes first, once it exists.
+    // The fragment analysis's validation of the sample's energy pairs comes first: it marks the
+    // high-energy metabolites that the counts and area totals tell apart.
+    sample.GetFragmentAnalysis()->ValidateFragmentAnalysis(&sample);
     sample.SetHighEnergyMetaboliteCount();
     sample.DetermineAreaTotals();
     sample.CalculateMetabolitePercentAreas(false);

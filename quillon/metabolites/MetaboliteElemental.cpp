@@ -2,8 +2,8 @@
 
 #include <quillon/metabolites/MetaboliteData.h>
 
-#include <quillon/platform/Elements.h>
-#include <quillon/platform/Formula.h>
+#include <quillon/chemistry/Elements.h>
+#include <quillon/chemistry/Formula.h>
 
 #include <cmath>
 #include <cstdlib>

@@ -21,6 +21,8 @@ constexpr const char* kUsage =
     "      --noise-peaks N    random noise peaks per mass spectrum (default 12)\n"
     "      --seed N           random seed (default 20260312)\n"
     "      --crlf             write Windows line ends\n"
+    "      --bulk-metabolites N write one sample of N metabolites, each with its high-energy\n"
+    "                         partner and product-ion spectrum, and nothing else\n"
     "  -h, --help             show this text\n";
 
 template <typename T>
@@ -73,6 +75,8 @@ bool ParseCommandLine(int argc, const char* const argv[], GeneratorOptions& opti
             ok = ParseNumber(value, options.surveySpectra, 0, 100000);
         } else if (option == "--noise-peaks") {
             ok = ParseNumber(value, options.noisePeaks, 0, 100000);
+        } else if (option == "--bulk-metabolites") {
+            ok = ParseNumber(value, options.bulkMetabolites, 0, 10000000);
         } else if (option == "--seed") {
             ok = ParseNumber<uint64_t>(value, options.seed, 0, UINT64_MAX);
         } else {

@@ -17,6 +17,9 @@ struct GeneratorOptions {
     int noisePeaks = 12;   // random peaks in every mass spectrum
     uint64_t seed = 20260312;
     bool windowsLineEnds = false;
+    // Above 0: the report holds one bulk sample of this many metabolites with their high-energy
+    // partners and product-ion spectra, and nothing else.
+    int bulkMetabolites = 0;
 };
 
 // Parses the command line into options. Returns false with a message (the usage text, or the

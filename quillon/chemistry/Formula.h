@@ -1,6 +1,6 @@
 #pragma once
 
-#include <quillon/platform/Elements.h>
+#include <quillon/chemistry/Elements.h>
 
 #include <stdexcept>
 #include <string>

@@ -1,4 +1,4 @@
-#include <quillon/platform/IsotopeModel.h>
+#include <quillon/chemistry/IsotopeModel.h>
 
 #include <gtest/gtest.h>
 

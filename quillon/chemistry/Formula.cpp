@@ -1,4 +1,4 @@
-#include <quillon/platform/Formula.h>
+#include <quillon/chemistry/Formula.h>
 
 #include <algorithm>
 #include <cctype>
