@@ -57,3 +57,6 @@
 
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
+
+#include <quillon/stability/FirstOrderFit.h>
+#include <quillon/stability/MetabolicStabilityInfo.h>
