@@ -41,6 +41,7 @@
 #include <quillon/acquisition/SpectrumData.h>
 #include <quillon/acquisition/TraceType.h>
 
+#include <quillon/fragments/AnalysisSupport.h>
 #include <quillon/fragments/FragmentAnalysis.h>
 #include <quillon/fragments/FragmentList.h>
 #include <quillon/fragments/NeutralLossEntry.h>
