@@ -3,6 +3,7 @@
 #include "Svg.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace quillon::tool {
@@ -106,9 +107,23 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
             auto strongest = chart.sticks;
             std::sort(strongest.begin(), strongest.end(),
                       [](auto a, auto b) { return a.second > b.second; });
-            for (size_t i = 0; i < strongest.size() && i < 6; ++i)
-                chart.labels.push_back(
-                    {strongest[i].first, strongest[i].second, Fixed(strongest[i].first, 4)});
+            // The strongest masses, labelled unless a stronger label stands too close (3% of the
+            // mass range), so that labels of an isotope cluster do not overlap.
+            const double span =
+                strongest.empty()
+                    ? 1.0
+                    : std::max_element(chart.sticks.begin(), chart.sticks.end())->first -
+                          std::min_element(chart.sticks.begin(), chart.sticks.end())->first;
+            for (const auto& [mass, intensity] : strongest) {
+                if (chart.labels.size() == 6)
+                    break;
+                const bool crowded = std::any_of(chart.labels.begin(), chart.labels.end(),
+                                                 [&](const ChartLabel& label) {
+                                                     return std::abs(label.x - mass) < 0.03 * span;
+                                                 });
+                if (!crowded)
+                    chart.labels.push_back({mass, intensity, Fixed(mass, 4)});
+            }
         } else {
             const CChromatoData* found = sample.GetTrace(settings->trace);
             if (found == nullptr)
