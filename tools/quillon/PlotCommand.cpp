@@ -107,7 +107,7 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
             auto strongest = chart.sticks;
             std::sort(strongest.begin(), strongest.end(),
                       [](auto a, auto b) { return a.second > b.second; });
-            // The strongest masses, labelled unless a stronger label stands too close (3% of the
+            // The strongest masses, labelled unless a stronger label stands too close (8% of the
             // mass range), so that labels of an isotope cluster do not overlap.
             const double span =
                 strongest.empty()
@@ -119,7 +119,7 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
                     break;
                 const bool crowded = std::any_of(chart.labels.begin(), chart.labels.end(),
                                                  [&](const ChartLabel& label) {
-                                                     return std::abs(label.x - mass) < 0.03 * span;
+                                                     return std::abs(label.x - mass) < 0.08 * span;
                                                  });
                 if (!crowded)
                     chart.labels.push_back({mass, intensity, Fixed(mass, 4)});
