@@ -46,6 +46,11 @@
 
 #include <quillon/companions/TarnwickIniInterface.h>
 
+#include <quillon/plate/PlateDesc.h>
+#include <quillon/plate/PlateLayout.h>
+#include <quillon/plate/Reference.h>
+#include <quillon/plate/VialRef.h>
+
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/Compounds.h>
 #include <quillon/metabolites/DivBroParams.h>

@@ -2,6 +2,7 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/plate/PlateDesc.h>
 
 #include <cstdlib>
 #include <type_traits>
@@ -315,6 +316,12 @@ int CSampleData::GetWell(CString& well) const {
 
 int CSampleData::GetWell() const {
     return std::atoi(m_strWell);
+}
+
+void CSampleData::SetVialReference(const CString& reference) {
+    CPlateDesc plate;
+    plate.SetDescription(m_strPlateDescription); // a text that is no descriptor keeps the default
+    m_VialRef.SetReference(reference, &plate);
 }
 
 int CSampleData::GetPlateDescription(CString& plate) const {

@@ -10,6 +10,7 @@
 #include <quillon/metabolites/MSMSCorrelation.h>
 #include <quillon/metabolites/MSMSMetabolite.h>
 #include <quillon/metabolites/MetaboliteData.h>
+#include <quillon/plate/VialRef.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/String.h>
@@ -59,6 +60,12 @@ public:
     void SetWell(const CString& well) { m_strWell = well; }
     int GetPlateDescription(CString& plate) const;
     void SetPlateDescription(const CString& plate) { m_strPlateDescription = plate; }
+    // The vial reference, parsed on the plate the "Plate" header describes when that text is a
+    // plate descriptor ("columns,rows[,priority[,referencing[,origin]]]"), and on the default
+    // plate (12 x 8, alphanumeric) otherwise. "A1:B3" on the default plate is vial 15.
+    void SetVialReference(const CString& reference);
+    void GetVialReference(CVialRef& reference) const { reference = m_VialRef; }
+    void GetVialReference(CString& reference) const { m_VialRef.GetReference(reference); }
     void GetType(CString& type) const { type = m_strType; }
     void SetType(const CString& type) { m_strType = type; }
     bool IsControl() const { return m_strType == "Control"; }
@@ -420,6 +427,7 @@ private:
     CString m_strFileName;
     CString m_strWell;
     CString m_strPlateDescription;
+    CVialRef m_VialRef;
     CString m_strType;
     CString m_strID;
     CString m_strDescription;
