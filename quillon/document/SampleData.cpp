@@ -130,6 +130,7 @@ constexpr NamedId kSections[] = {
     {"UNEXPECTED METABOLITES", kUnexpectedMetabolitesSection},
     {"MSMS CORRELATION", kMSMSCorrelationSection},
     {"ELEMENTAL", kElementalSection},
+    {"MOLFILE LIST", kMolfileListSection},
 };
 
 // Adds one more line to a text that collects repeated fields.
@@ -188,6 +189,8 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
         return ReadMSMSCorrelation(file);
     case kElementalSection:
         return ReadElemental(file);
+    case kMolfileListSection:
+        return ReadMolfileList(file);
     default:
         return 0;
     }

@@ -159,6 +159,15 @@ public:
     bool GetMoleculeEnabled() const { return m_bMoleculeEnabled; }
     void SetMoleculeEnabled(bool enabled) { m_bMoleculeEnabled = enabled; }
     int GetMoleculeDimensions() const { return m_nMoleculeDimensions; } // -1: not determined
+    // Reads a "[MOLFILE LIST]" section, extracting its molfiles (CMolfile), and enables the
+    // molecule. Returns 1.
+    int ReadMolfileList(CDelimitFile* file);
+    // The molecule reference of the first metabolite, in index order, that has one; else empty.
+    CString GetMoleculeReference() const;
+    // Whether the sample's structure is 2D or 3D, from the dimension code ("2D", "3D") at columns
+    // 20 and 21 of its molfile's header line; determined once and stored. 0 without metabolites or
+    // without a molfile list; 2 when the molfile is missing or carries no recognisable code.
+    int SetMoleculeDimensions();
     void IncrementExpectedMetaboliteCount() { ++m_nExpectedMetaboliteLastEntry; }
     int GetHighEnergyExpectedCount() const { return m_nHighEnergyExpectedCount; }
     int GetHighEnergyUnexpectedCount() const { return m_nHighEnergyUnexpectedCount; }
