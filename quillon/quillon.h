@@ -44,6 +44,7 @@
 #include <quillon/fragments/FragmentList.h>
 #include <quillon/fragments/NeutralLossEntry.h>
 
+#include <quillon/companions/BroEntry.h>
 #include <quillon/companions/Molfile.h>
 #include <quillon/companions/TarnwickIniInterface.h>
 

@@ -308,6 +308,18 @@ void CSampleData::Empty() {
     m_AnalogChannels.RemoveAll();
 }
 
+void CSampleData::AddProcessingTime(const CString& line) {
+    AppendLine(m_strProcessingTime, line);
+}
+
+void CSampleData::AddProcessingInfo(const CString& line) {
+    AppendLine(m_strProcessingInfo, line);
+}
+
+void CSampleData::AddProcessingWarning(const CString& line) {
+    AppendLine(m_strProcessingWarning, line);
+}
+
 void CSampleData::SetNumber(const CString& number) {
     m_nNumber = std::atoi(number);
 }

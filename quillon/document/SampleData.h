@@ -113,6 +113,10 @@ public:
     void GetProcessingTime(CString& text) const { text = m_strProcessingTime; }
     void GetProcessingInfo(CString& text) const { text = m_strProcessingInfo; }
     void GetProcessingWarning(CString& text) const { text = m_strProcessingWarning; }
+    // Each adds one more line to its note (after a newline when the note already holds text).
+    void AddProcessingTime(const CString& line);
+    void AddProcessingInfo(const CString& line);
+    void AddProcessingWarning(const CString& line);
     void GetJobCode(CString& code) const { code = m_strJobCode; }
     void SetJobCode(const CString& code) { m_strJobCode = code; }
     void GetTaskCode(CString& code) const { code = m_strTaskCode; }
