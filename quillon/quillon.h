@@ -9,6 +9,7 @@
 #include <quillon/platform/FileException.h>
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/NumberConversion.h>
+#include <quillon/platform/Numbers.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
 #include <quillon/platform/ProcessInfo.h>
@@ -64,3 +65,6 @@
 
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
+
+#include <quillon/stability/FirstOrderFit.h>
+#include <quillon/stability/MetabolicStabilityInfo.h>

@@ -4,8 +4,8 @@
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/platform/File.h>
+#include <quillon/platform/Numbers.h>
 
-#include <cstdlib>
 #include <iterator>
 
 namespace quillon {
@@ -287,7 +287,7 @@ int CBroEntry::NewFunctionField(int id, const CStringArray& fields) {
         CSpectrumData* spectrum = function->GetSpectrum();
         if (!spectrum)
             return 0;
-        spectrum->SetProcess(std::atoi(value));
+        spectrum->SetProcess(ParseInt(value));
         break;
     }
     case kConeVoltage:
@@ -313,8 +313,8 @@ int CBroEntry::NewMassesField(const CStringArray& fields) {
     CSpectrumData* spectrum = LastSpectrum();
     if (!spectrum || fields.GetSize() < kMassesColumns)
         return 0;
-    spectrum->AddMasses(CMassesData(std::atof(fields[0]), std::atof(fields[1]),
-                                    std::atof(fields[2]), std::atof(fields[3]), false));
+    spectrum->AddMasses(CMassesData(ParseDouble(fields[0]), ParseDouble(fields[1]),
+                                    ParseDouble(fields[2]), ParseDouble(fields[3]), false));
     return 1;
 }
 
@@ -322,8 +322,8 @@ int CBroEntry::NewMSField(const CStringArray& fields) {
     CSpectrumData* spectrum = LastSpectrum();
     if (!spectrum || fields.GetSize() < 2)
         return 0;
-    const float mass = static_cast<float>(std::atof(fields[0]));
-    const float intensity = static_cast<float>(std::atof(fields[1]));
+    const float mass = static_cast<float>(ParseDouble(fields[0]));
+    const float intensity = static_cast<float>(ParseDouble(fields[1]));
     spectrum->AddMassIntensity(&mass, &intensity, 1);
     return 1;
 }

@@ -11,6 +11,8 @@ namespace quillon {
 
 class CDelimitFile;
 struct CDivBroParams;
+class CMetabolicStabilityInfo;
+struct MetabolicStabilityParameters;
 
 // One row of the found-count summary over a range of samples: an expected metabolite's name, its
 // mass shift as a label ("+16" for a shift of 15.9949; empty within 0.5 of zero) and, per sample
@@ -84,6 +86,13 @@ public:
     // first means 0, a negative last the last sample), one row per name and shift label in the
     // order they first appear. A name never found still gets a row of zeros. Returns true.
     bool CreateOverallMSSummaryData(CArray<MetaboliteCountInfo>& summary, int first, int last);
+    // The metabolic stability of every incubation series: the analyte samples (controls left
+    // out) grouped by parent ("SubjectParent") and processing parameters, ordered by incubation
+    // time. Fills one entry per series (see CMetabolicStabilityInfo for what is computed) and
+    // returns whether any series was found.
+    bool CreateMetabolicStabilityAnalysis(CArray<CMetabolicStabilityInfo>& series);
+    bool CreateMetabolicStabilityAnalysis(CArray<CMetabolicStabilityInfo>& series,
+                                          const MetabolicStabilityParameters& parameters);
 
     // Copies the report file the collection was read from (in, at its start) to out, line by
     // line: empty lines are dropped, duplicate samples are left out with their blocks, the

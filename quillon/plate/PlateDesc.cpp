@@ -1,7 +1,5 @@
 #include <quillon/plate/PlateDesc.h>
 
-#include <cstdlib>
-
 namespace quillon {
 
 QUILLON_IMPLEMENT_DYNCREATE(CPlateDesc, CObject)
@@ -84,7 +82,7 @@ int CPlateDesc::CoordToVial(int column, int row, int& vial) const {
     CString text;
     if (!GetPlateReferenceFromTopLeftOffsets(&numeric, column, row, text))
         return 0;
-    vial = std::atoi(text);
+    ParseDecimalInt(text.view(), vial); // the library wrote the digits of a vial on the plate
     return 1;
 }
 
