@@ -46,7 +46,14 @@
 #include <quillon/fragments/FragmentList.h>
 #include <quillon/fragments/NeutralLossEntry.h>
 
+#include <quillon/companions/BroEntry.h>
+#include <quillon/companions/Molfile.h>
 #include <quillon/companions/TarnwickIniInterface.h>
+
+#include <quillon/plate/PlateDesc.h>
+#include <quillon/plate/PlateLayout.h>
+#include <quillon/plate/Reference.h>
+#include <quillon/plate/VialRef.h>
 
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/Compounds.h>

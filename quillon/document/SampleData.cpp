@@ -2,6 +2,7 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/plate/PlateDesc.h>
 #include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
@@ -130,6 +131,7 @@ constexpr NamedId kSections[] = {
     {"UNEXPECTED METABOLITES", kUnexpectedMetabolitesSection},
     {"MSMS CORRELATION", kMSMSCorrelationSection},
     {"ELEMENTAL", kElementalSection},
+    {"MOLFILE LIST", kMolfileListSection},
 };
 
 // Adds one more line to a text that collects repeated fields.
@@ -188,6 +190,8 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
         return ReadMSMSCorrelation(file);
     case kElementalSection:
         return ReadElemental(file);
+    case kMolfileListSection:
+        return ReadMolfileList(file);
     default:
         return 0;
     }
@@ -305,6 +309,18 @@ void CSampleData::Empty() {
     m_AnalogChannels.RemoveAll();
 }
 
+void CSampleData::AddProcessingTime(const CString& line) {
+    AppendLine(m_strProcessingTime, line);
+}
+
+void CSampleData::AddProcessingInfo(const CString& line) {
+    AppendLine(m_strProcessingInfo, line);
+}
+
+void CSampleData::AddProcessingWarning(const CString& line) {
+    AppendLine(m_strProcessingWarning, line);
+}
+
 void CSampleData::SetNumber(const CString& number) {
     m_nNumber = ParseInt(number);
 }
@@ -316,6 +332,12 @@ int CSampleData::GetWell(CString& well) const {
 
 int CSampleData::GetWell() const {
     return ParseInt(m_strWell);
+}
+
+void CSampleData::SetVialReference(const CString& reference) {
+    CPlateDesc plate;
+    plate.SetDescription(m_strPlateDescription); // a text that is no descriptor keeps the default
+    m_VialRef.SetReference(reference, &plate);
 }
 
 int CSampleData::GetPlateDescription(CString& plate) const {

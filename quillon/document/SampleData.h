@@ -10,6 +10,7 @@
 #include <quillon/metabolites/MSMSCorrelation.h>
 #include <quillon/metabolites/MSMSMetabolite.h>
 #include <quillon/metabolites/MetaboliteData.h>
+#include <quillon/plate/VialRef.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/String.h>
@@ -59,6 +60,12 @@ public:
     void SetWell(const CString& well) { m_strWell = well; }
     int GetPlateDescription(CString& plate) const;
     void SetPlateDescription(const CString& plate) { m_strPlateDescription = plate; }
+    // The vial reference, parsed on the plate the "Plate" header describes when that text is a
+    // plate descriptor ("columns,rows[,priority[,referencing[,origin]]]"), and on the default
+    // plate (12 x 8, alphanumeric) otherwise. "A1:B3" on the default plate is vial 15.
+    void SetVialReference(const CString& reference);
+    void GetVialReference(CVialRef& reference) const { reference = m_VialRef; }
+    void GetVialReference(CString& reference) const { m_VialRef.GetReference(reference); }
     void GetType(CString& type) const { type = m_strType; }
     void SetType(const CString& type) { m_strType = type; }
     bool IsControl() const { return m_strType == "Control"; }
@@ -106,6 +113,10 @@ public:
     void GetProcessingTime(CString& text) const { text = m_strProcessingTime; }
     void GetProcessingInfo(CString& text) const { text = m_strProcessingInfo; }
     void GetProcessingWarning(CString& text) const { text = m_strProcessingWarning; }
+    // Each adds one more line to its note (after a newline when the note already holds text).
+    void AddProcessingTime(const CString& line);
+    void AddProcessingInfo(const CString& line);
+    void AddProcessingWarning(const CString& line);
     void GetJobCode(CString& code) const { code = m_strJobCode; }
     void SetJobCode(const CString& code) { m_strJobCode = code; }
     void GetTaskCode(CString& code) const { code = m_strTaskCode; }
@@ -152,6 +163,15 @@ public:
     bool GetMoleculeEnabled() const { return m_bMoleculeEnabled; }
     void SetMoleculeEnabled(bool enabled) { m_bMoleculeEnabled = enabled; }
     int GetMoleculeDimensions() const { return m_nMoleculeDimensions; } // -1: not determined
+    // Reads a "[MOLFILE LIST]" section, extracting its molfiles (CMolfile), and enables the
+    // molecule. Returns 1.
+    int ReadMolfileList(CDelimitFile* file);
+    // The molecule reference of the first metabolite, in index order, that has one; else empty.
+    CString GetMoleculeReference() const;
+    // Whether the sample's structure is 2D or 3D, from the dimension code ("2D", "3D") at columns
+    // 20 and 21 of its molfile's header line; determined once and stored. 0 without metabolites or
+    // without a molfile list; 2 when the molfile is missing or carries no recognisable code.
+    int SetMoleculeDimensions();
     void IncrementExpectedMetaboliteCount() { ++m_nExpectedMetaboliteLastEntry; }
     int GetHighEnergyExpectedCount() const { return m_nHighEnergyExpectedCount; }
     int GetHighEnergyUnexpectedCount() const { return m_nHighEnergyUnexpectedCount; }
@@ -420,6 +440,7 @@ private:
     CString m_strFileName;
     CString m_strWell;
     CString m_strPlateDescription;
+    CVialRef m_VialRef;
     CString m_strType;
     CString m_strID;
     CString m_strDescription;

@@ -295,6 +295,57 @@ void CSamples::SetControlSamples() {
     }
 }
 
+namespace {
+
+bool HasTwoDimensionalMolfile(CSampleData& sample) {
+    constexpr int kTwoDimensional = 2;
+    const int stored = sample.GetMoleculeDimensions();
+    return stored == kTwoDimensional || (stored < 0 && sample.SetMoleculeDimensions() == 2);
+}
+
+// The key samples of one compound are matched by: its formula, or its mass without decimals.
+CString FirstCompoundKey(const CSampleData& sample) {
+    const CCompoundData* compound = sample.GetCompound(0);
+    if (!compound)
+        return CString();
+    CString key;
+    compound->GetFormula(key);
+    if (key.IsEmpty())
+        key.Format("%.0f", compound->GetMass());
+    return key;
+}
+
+} // namespace
+
+CSampleData* CSamples::GetSampleWith2DMolFile(int number) {
+    const int count = GetSamplesCount();
+    if (count == 0)
+        return nullptr;
+    int found = count - 1;
+    for (int index = 0; index < count; ++index) {
+        if (m_Samples[index].GetNumber() == number) {
+            found = index;
+            break;
+        }
+    }
+    if (HasTwoDimensionalMolfile(m_Samples[found]))
+        return &m_Samples[found];
+
+    const CString key = FirstCompoundKey(m_Samples[found]);
+    const auto matches = [&](int index) {
+        CSampleData& other = m_Samples[index];
+        return other.GetCompound(0) && FirstCompoundKey(other) == key &&
+               HasTwoDimensionalMolfile(other);
+    };
+    for (int index = found - 1; index >= 0; --index)
+        if (matches(index))
+            return &m_Samples[index];
+    for (int index = found + 1; index < count; ++index)
+        if (matches(index))
+            return &m_Samples[index];
+    return nullptr;
+}
+
 bool CSamples::GetLockSprayEnabled() const {
     for (const CSampleData& sample : m_Samples) {
         if (sample.GetLockSprayEnabled())

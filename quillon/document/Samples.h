@@ -76,6 +76,11 @@ public:
     void SetControlSamples();
     // True when any sample has lock-spray (respectively MUX) acquisition enabled.
     bool GetLockSprayEnabled() const;
+    // A sample whose structure is two-dimensional for the sample with that number (the last
+    // sample when no number matches): the sample itself when its molfile is 2D, else the nearest
+    // sample before it, then after it, whose first compound has the same formula (or, without a
+    // formula, the same mass to "%.0f") and a 2D molfile. Null when none has.
+    CSampleData* GetSampleWith2DMolFile(int number);
     bool GetMUXEnabled() const;
     // The found counts of the low-energy expected metabolites of samples first..last (a negative
     // first means 0, a negative last the last sample), one row per name and shift label in the

@@ -36,6 +36,12 @@ CString GetWorkingDirectory() {
     return CString(std::filesystem::current_path(error).string());
 }
 
+CString GetMolfileDirectory() {
+    if (const auto& directory = Hooks().molfileDirectory)
+        return directory();
+    return CString("./");
+}
+
 void BeginProgress(const CString& text, int lower, int upper) {
     if (const auto& begin = Hooks().beginProgress)
         begin(text, lower, upper);

@@ -21,6 +21,9 @@ struct HostHooks {
     // The host suite's working directory, where its settings file lives. Default: the current
     // working directory of the process.
     std::function<CString()> workingDirectory;
+    // The directory where embedded molfiles are extracted, used as a plain prefix of file names
+    // (so it ends with a path separator). Default: "./", the current working directory.
+    std::function<CString()> molfileDirectory;
     // A long operation begins: shows the status text and a progress bar over [lower, upper].
     // Default: nothing is shown.
     std::function<void(const CString& text, int lower, int upper)> beginProgress;
@@ -43,6 +46,9 @@ int ShowMessage(const CString& text, const CString& title, MessageIcon icon);
 
 // The host's working directory, through the working-directory hook.
 CString GetWorkingDirectory();
+
+// The molfile directory, through the molfile-directory hook.
+CString GetMolfileDirectory();
 
 // Progress and cancellation through their hooks (each does nothing, or answers false, by default).
 void BeginProgress(const CString& text, int lower, int upper);
