@@ -244,7 +244,13 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     int sampleCounter = -1;
     bool duplicatesDropped = false;
     CString line;
+    bool lineEndSet = false;
     while (in->ReadString(line)) {
+        if (!lineEndSet) {
+            // The copy keeps the line ends of the file it copies.
+            out->SetLineEnd(in->GetLineEndRead());
+            lineEndSet = true;
+        }
         if (line.IsEmpty())
             continue;
         if (line[0] != '[') {

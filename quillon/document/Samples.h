@@ -67,11 +67,11 @@ public:
     bool GetMUXEnabled() const;
 
     // Copies the report file the collection was read from (in, at its start) to out, line by
-    // line: empty lines are dropped, duplicate samples are left out with their blocks, the
-    // molfile list is copied with its parent names rewritten for the new file, and comment lines
-    // naming the program and the time are appended. When duplicates were dropped, a file rewritten
-    // in place is cut to what was written. Afterwards the duplicate samples are removed from memory
-    // too. Returns 0 when either file is missing, otherwise 1.
+    // line, with the line ends of in's first line: empty lines are dropped, duplicate samples are
+    // left out with their blocks, the molfile list is copied with its parent names rewritten for
+    // the new file, and comment lines naming the program and the time are appended. When duplicates
+    // were dropped, a file rewritten in place is cut to what was written. Afterwards the duplicate
+    // samples are removed from memory too. Returns 0 when either file is missing, otherwise 1.
     int Write(CDelimitFile* in, CDelimitFile* out);
 
 private:

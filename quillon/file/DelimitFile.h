@@ -61,7 +61,10 @@ public:
     // Reads one line; when it is exactly "{", reads on to its matching "}".
     void MoveToNextSection();
 
-    // Writing: each writes one line followed by the line end.
+    // Writing: each writes one line followed by the line end ("\n" unless set otherwise; a copy
+    // of a file sets the line end that file was read with, GetLineEndRead).
+    void SetLineEnd(const char* lineEnd) { m_lineEnd = lineEnd; }
+    const CString& GetLineEnd() const { return m_lineEnd; }
     void WriteSectionHeader(const CString& name);
     void WriteComment(const CString& text);
     void WriteRecord(const CString& text);

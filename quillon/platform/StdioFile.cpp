@@ -137,6 +137,10 @@ BOOL CStdioFile::ReadString(CString& line) {
         return FALSE;
     }
     size_t length = static_cast<size_t>(read);
+    if (!m_bLineEndKnown && m_lineBuffer[length - 1] == '\n') {
+        m_bLineEndKnown = true;
+        m_bCrLfRead = length >= 2 && m_lineBuffer[length - 2] == '\r';
+    }
     if (m_bTextMode)
         length = DropCarriageReturn(m_lineBuffer, length);
     if (length > 0 && m_lineBuffer[length - 1] == '\n')

@@ -8,8 +8,9 @@
 namespace quillon {
 
 // A file read and written through a C stream. In text mode (the default) a line that ends in
-// carriage return and line feed reads exactly like one that ends in a line feed; writing always
-// uses line feeds. Errors of the file itself throw CFileException.
+// carriage return and line feed reads exactly like one that ends in a line feed, and the file
+// remembers which of the two its first line had; writing writes the text as it stands. Errors of
+// the file itself throw CFileException.
 class CStdioFile : public CFile {
     QUILLON_DECLARE_DYNAMIC(CStdioFile)
 
@@ -33,6 +34,9 @@ public:
     virtual BOOL ReadString(CString& line);
     // Writes the text as it stands.
     virtual void WriteString(const char* text);
+    // The line end of the first line that ReadString(CString&) read with one: "\r\n" or "\n";
+    // "\n" before such a line was read.
+    const char* GetLineEndRead() const { return m_bCrLfRead ? "\r\n" : "\n"; }
 
     int64_t GetPosition() const override;
     int64_t Seek(int64_t offset, UINT from) override;
@@ -51,6 +55,8 @@ protected:
 private:
     void CloseQuietly() noexcept;
 
+    bool m_bLineEndKnown = false;
+    bool m_bCrLfRead = false;
     char* m_lineBuffer = nullptr; // reused by ReadString(CString&) from line to line
     size_t m_lineCapacity = 0;
 };
