@@ -21,21 +21,30 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Runs body in a child process and returns its exit status (-1 when it did not exit normally).
-// With dropRights, the child gives up the rights of the superuser first, so that file permissions
-// hold for it; it exits with kNoRights when it cannot.
+// Starts body in a child process, which exits with 1 when body returns true, 0 otherwise. With
+// dropRights, the child gives up the rights of the superuser first, so that file permissions hold
+// for it; it exits with kNoRights when it cannot.
 constexpr int kNoRights = 77;
-int RunInChild(bool dropRights, const std::function<bool()>& body) {
+pid_t StartChild(bool dropRights, const std::function<bool()>& body) {
     const pid_t child = ::fork();
     if (child == 0) {
         if (dropRights && ::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
             ::_exit(kNoRights);
         ::_exit(body() ? 1 : 0);
     }
+    return child;
+}
+
+// The exit status of a child (-1 when it did not exit normally).
+int ExitStatus(pid_t child) {
     int status = 0;
     if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status))
         return -1;
     return WEXITSTATUS(status);
+}
+
+int RunInChild(bool dropRights, const std::function<bool()>& body) {
+    return ExitStatus(StartChild(dropRights, body));
 }
 
 // The names in a folder besides the given one: what a save left behind.
@@ -276,6 +285,40 @@ TEST_F(ProfileFileTest, AFailedSaveLeavesTheOriginalByteForByte) {
     EXPECT_EQ(fs::status(m_path).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_TRUE(OtherFiles(m_directory, name).empty());
+}
+
+// Two processes saving the same file over and over while a third reads it: every read finds one
+// writer's file whole, never a mix or a cut, and no temporary file is left.
+TEST_F(ProfileFileTest, TwoWritersLeaveOneWholeFileAtEveryMoment) {
+    const auto contentOf = [](char fill) {
+        return "[S]\nk=" + std::string(256 * 1024, fill) + "\n";
+    };
+    WriteFile(contentOf('a'));
+    // Each writer answers true when a save failed; the reader when it found a broken file.
+    const auto writer = [&](char fill) {
+        return StartChild(false, [&] {
+            CProfileFile file(m_path);
+            file.WriteString("S", "k", std::string(256 * 1024, fill));
+            bool failed = false;
+            for (int i = 0; i < 40; ++i)
+                failed = !file.Save() || failed;
+            return failed;
+        });
+    };
+    const pid_t first = writer('b');
+    const pid_t second = writer('c');
+    const pid_t reader = StartChild(false, [&] {
+        for (int i = 0; i < 400; ++i) {
+            const std::string content = ReadFile();
+            if (content != contentOf('a') && content != contentOf('b') && content != contentOf('c'))
+                return true;
+        }
+        return false;
+    });
+    EXPECT_EQ(ExitStatus(first), 0);
+    EXPECT_EQ(ExitStatus(second), 0);
+    EXPECT_EQ(ExitStatus(reader), 0) << "a read found a broken file";
+    EXPECT_TRUE(OtherFiles(m_directory, "settings.ini").empty());
 }
 
 } // namespace
