@@ -125,6 +125,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CSamples samples;
     samples.Read(&input);
     QueryAll(samples);
+    CSamples copy(samples);
+    QueryAll(copy);
 
     input.SeekToBegin();
     fuzz::MemoryFile savedFile;

@@ -2,7 +2,7 @@
 # Runs every fuzz target of the "fuzz" build for FUZZ_SECONDS (default 60) each, starting from its
 # seeds and its saved regressions, with its dictionary. New inputs go to build/fuzz/corpus/<name>/
 # (kept between runs, never into the repository). A crash, a leak or a hang stops the run with the
-# input under build/fuzz/artifacts/<name>/: once fixed, save it as fuzz/regressions/<name>/<name>-N.
+# input under build/fuzz/artifacts/<name>/: once fixed, save it as fuzz/regressions/<name>/<what-it-broke>.
 # Usage: scripts/run-fuzzers.sh [target name ...]   (all targets when none is named)
 set -euo pipefail
 cd "$(dirname "$0")/.."
