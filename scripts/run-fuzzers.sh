@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Runs every fuzz target of the "fuzz" build for FUZZ_SECONDS (default 60) each, starting from its
-# seeds and its saved regressions, with its dictionary. New inputs go to build/fuzz/corpus/<name>/
-# (kept between runs, never into the repository). A crash, a leak or a hang stops the run with the
-# input under build/fuzz/artifacts/<name>/: once fixed, save it as fuzz/regressions/<name>/<what-it-broke>.
+# seeds and its saved regressions, with its dictionary and its own options (fuzz/options/<name>).
+# New inputs go to build/fuzz/corpus/<name>/ (kept between runs, never into the repository). A
+# crash, a leak or a hang stops the run with the input under build/fuzz/artifacts/<name>/: once
+# the fault is fixed, save that input as fuzz/regressions/<name>/<what-it-broke>.
 # Usage: scripts/run-fuzzers.sh [target name ...]   (all targets when none is named)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -31,6 +32,11 @@ for name in "${targets[@]}"; do
              -artifact_prefix="$artifacts")
     if [ -f "fuzz/dictionaries/$name.dict" ]; then
         options+=(-dict="fuzz/dictionaries/$name.dict")
+    fi
+    # Options of the target's own, such as a smaller input length for a slow target.
+    if [ -f "fuzz/options/$name" ]; then
+        read -r -a extra <"fuzz/options/$name"
+        options+=("${extra[@]}")
     fi
     echo "== $name: ${seconds} s"
     if ! ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
