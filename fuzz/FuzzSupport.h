@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
 namespace quillon::fuzz {
@@ -45,6 +46,20 @@ public:
 private:
     FILE* m_stream = nullptr;
 };
+
+// All bytes of the file, whatever the stream's position.
+inline std::string Contents(const MemoryFile& file) {
+    std::fflush(file.Stream());
+    std::string bytes;
+    char buffer[4096];
+    for (off_t at = 0;;) {
+        const ssize_t count = ::pread(::fileno(file.Stream()), buffer, sizeof buffer, at);
+        if (count <= 0)
+            return bytes;
+        bytes.append(buffer, static_cast<size_t>(count));
+        at += count;
+    }
+}
 
 // Messages the library would show the user are dropped: a fuzzer provokes thousands of them.
 inline void SilenceHost() {

@@ -116,6 +116,17 @@ void QueryAll(CSamples& samples) {
         QuerySample(*samples.GetSample(i));
 }
 
+// True when every line of the text is a comment.
+bool OnlyWriterComments(std::string_view text) {
+    while (!text.empty()) {
+        if (text.front() != ';')
+            return false;
+        const size_t end = text.find('\n');
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return true;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -134,9 +145,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     samples.Write(&input, &saved);
     QueryAll(samples);
 
+    // The saved file reads into as many samples as memory holds, and saving it again copies it
+    // unchanged, only adding the writer's comment lines at the end. (A last line that ends in a
+    // carriage return without a line feed is the one exception: written with a line end after it,
+    // its carriage return becomes part of that line end.)
+    saved.Flush();
     saved.SeekToBegin();
     CSamples reread;
     reread.Read(&saved);
     fuzz::Require(reread.GetSamplesCount() == samples.GetSamplesCount());
+    saved.SeekToBegin();
+    fuzz::MemoryFile savedAgainFile;
+    CDelimitFile savedAgain(savedAgainFile.Stream());
+    reread.Write(&saved, &savedAgain);
+    const std::string once = fuzz::Contents(savedFile);
+    const std::string twice = fuzz::Contents(savedAgainFile);
+    if (size > 0 && data[size - 1] == '\r')
+        return 0;
+    fuzz::Require(twice.starts_with(once));
+    fuzz::Require(OnlyWriterComments(std::string_view(twice).substr(once.size())));
     return 0;
 }

@@ -93,7 +93,7 @@ private:
     int SplitInto(std::string_view line, CStringArray& fields, int firstIndex) const;
     // Classifies a split line and strips the marker from its first field.
     int Classify(CStringArray& fields) const;
-    void WriteLine(const char* text);
+    void WriteLine(const CString& text);
     void WriteFormatted(const char* prefix, const char* format, va_list args);
 
     CString m_delimiters;

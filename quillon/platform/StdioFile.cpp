@@ -156,6 +156,13 @@ void CStdioFile::WriteString(const char* text) {
         ThrowError("write", errno);
 }
 
+void CStdioFile::WriteBytes(std::string_view bytes) {
+    if (m_pStream == nullptr)
+        ThrowError("write", EBADF);
+    if (std::fwrite(bytes.data(), 1, bytes.size(), m_pStream) != bytes.size())
+        ThrowError("write", errno);
+}
+
 int64_t CStdioFile::GetPosition() const {
     if (m_pStream == nullptr)
         ThrowError("read the position of", EBADF);

@@ -4,6 +4,7 @@
 #include <quillon/platform/FileException.h>
 
 #include <cstdio>
+#include <string_view>
 
 namespace quillon {
 
@@ -32,8 +33,10 @@ public:
     // Reads one whole line of any length without its line end. Returns TRUE when a line was read
     // (a last line without a line feed included), FALSE at end of file with an empty text.
     virtual BOOL ReadString(CString& line);
-    // Writes the text as it stands.
+    // Writes the text as it stands (up to its first NUL byte).
     virtual void WriteString(const char* text);
+    // Writes the bytes as they are, NUL bytes included.
+    void WriteBytes(std::string_view bytes);
     // The line end of the first line that ReadString(CString&) read with one: "\r\n" or "\n";
     // "\n" before such a line was read.
     const char* GetLineEndRead() const { return m_bCrLfRead ? "\r\n" : "\n"; }
