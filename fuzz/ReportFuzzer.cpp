@@ -1,10 +1,12 @@
 // The report reader, the queries a browser makes over what was read, and the writer that saves it
-// back: any bytes are read without harm, and the saved file reads back into as many samples as
-// memory holds.
+// back: any bytes are read without harm, the saved file reads back into the model that memory
+// holds, and saving it again changes nothing.
 
 #include "FuzzSupport.h"
 
 #include <quillon/quillon.h>
+
+#include "support/ModelDump.h"
 
 #include <string>
 
@@ -145,7 +147,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     samples.Write(&input, &saved);
     QueryAll(samples);
 
-    // The saved file reads into as many samples as memory holds, and saving it again copies it
+    // The saved file reads into the model memory holds, and saving it again copies it
     // unchanged, only adding the writer's comment lines at the end. (A last line that ends in a
     // carriage return without a line feed is the one exception: written with a line end after it,
     // its carriage return becomes part of that line end.)
@@ -154,6 +156,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CSamples reread;
     reread.Read(&saved);
     fuzz::Require(reread.GetSamplesCount() == samples.GetSamplesCount());
+    fuzz::Require(testing::ModelDump::Of(reread) == testing::ModelDump::Of(samples));
     saved.SeekToBegin();
     fuzz::MemoryFile savedAgainFile;
     CDelimitFile savedAgain(savedAgainFile.Stream());
