@@ -4,8 +4,7 @@
 
 #include "FuzzSupport.h"
 
-#include <quillon/file/DelimitFile.h>
-#include <quillon/file/FileRecord.h>
+#include <quillon/quillon.h>
 
 using namespace quillon;
 

@@ -4,8 +4,7 @@
 
 #include "FuzzSupport.h"
 
-#include <quillon/platform/Formula.h>
-#include <quillon/platform/IsotopeModel.h>
+#include <quillon/quillon.h>
 
 #include <cmath>
 #include <string>

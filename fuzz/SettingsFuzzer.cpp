@@ -4,8 +4,7 @@
 
 #include "FuzzSupport.h"
 
-#include <quillon/companions/TarnwickIniInterface.h>
-#include <quillon/platform/ProfileFile.h>
+#include <quillon/quillon.h>
 
 #include <algorithm>
 #include <filesystem>
