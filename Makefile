@@ -22,12 +22,14 @@ sanitize: deps
 	cmake --build --preset sanitize -j $(JOBS)
 	ctest --preset sanitize -j $(JOBS)
 
-# Every fuzz target for FUZZ_SECONDS (default 60) each, under both sanitizers (Clang, libFuzzer).
+# Every fuzz target for FUZZ_SECONDS (default 60) each, FUZZ_JOBS (default 1) at a time, under
+# both sanitizers (Clang, libFuzzer).
 FUZZ_SECONDS ?= 60
+FUZZ_JOBS ?= 1
 fuzz: deps
 	cmake --preset fuzz
 	cmake --build --preset fuzz -j $(JOBS)
-	FUZZ_SECONDS=$(FUZZ_SECONDS) bash scripts/run-fuzzers.sh
+	FUZZ_SECONDS=$(FUZZ_SECONDS) FUZZ_JOBS=$(FUZZ_JOBS) bash scripts/run-fuzzers.sh
 
 # Fails when a source of the project is not formatted with the repository's .clang-format.
 format-check: deps
