@@ -1,5 +1,6 @@
 #include <quillon/platform/ProfileFile.h>
 
+#include <support/ChildProcess.h>
 #include <support/TempFile.h>
 
 #include <gtest/gtest.h>
@@ -13,39 +14,16 @@
 #include <vector>
 
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Starts body in a child process, which exits with 1 when body returns true, 0 otherwise. With
-// dropRights, the child gives up the rights of the superuser first, so that file permissions hold
-// for it; it exits with kNoRights when it cannot.
-constexpr int kNoRights = 77;
-pid_t StartChild(bool dropRights, const std::function<bool()>& body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (dropRights && ::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
-            ::_exit(kNoRights);
-        ::_exit(body() ? 1 : 0);
-    }
-    return child;
-}
-
-// The exit status of a child (-1 when it did not exit normally).
-int ExitStatus(pid_t child) {
-    int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status))
-        return -1;
-    return WEXITSTATUS(status);
-}
-
-int RunInChild(bool dropRights, const std::function<bool()>& body) {
-    return ExitStatus(StartChild(dropRights, body));
-}
+using testing::ExitStatus;
+using testing::kNoRights;
+using testing::RunInChild;
+using testing::StartChild;
 
 // The names in a folder besides the given one: what a save left behind.
 std::vector<std::string> OtherFiles(const fs::path& folder, const std::string& name) {
