@@ -7,7 +7,11 @@ namespace quillon {
 // A list of double values, assignable from texts (atof of each text).
 class CDoubleArray : public CNumericArray<double> {
 public:
-    using CNumericArray<double>::operator=;
+    // Converts every text; returns this array, so that assignments chain.
+    CDoubleArray& operator=(const CStringArray& texts) {
+        CNumericArray<double>::operator=(texts);
+        return *this;
+    }
 };
 
 } // namespace quillon

@@ -3,6 +3,7 @@
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/platform/ChartSettings.h>
+#include <quillon/platform/NumberConversion.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -267,8 +268,11 @@ BOOL CSpectrumData::GetDataRange(int& low, int& high) const {
     low = 0;
     high = 0;
     for (const CPeakData& point : m_points) {
-        const int floorMass = static_cast<int>(std::floor(point.GetMass()));
-        const int ceilMass = static_cast<int>(std::ceil(point.GetMass()));
+        // A mass that is not a number is passed over; one beyond the int range counts as its end.
+        if (std::isnan(point.GetMass()))
+            continue;
+        const int floorMass = ClampToInt(std::floor(point.GetMass()));
+        const int ceilMass = ClampToInt(std::ceil(point.GetMass()));
         if (low == 0 || floorMass < low)
             low = floorMass;
         if (ceilMass > high)

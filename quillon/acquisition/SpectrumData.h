@@ -129,7 +129,8 @@ public:
     int GetMassIntensity(float* masses, float* intensities, int start, int count,
                          double limit) const;
     // Whole-number mass range of the points: floor of the lightest, ceiling of the heaviest (a low
-    // of 0 counts as unset). Returns TRUE.
+    // of 0 counts as unset). A mass that is not a number is passed over; masses beyond the int
+    // range count as its ends. Returns TRUE.
     BOOL GetDataRange(int& low, int& high) const;
     // Highest and lowest intensity, both starting at 0; with to above from only the masses from
     // from to to are looked at. Returns TRUE.

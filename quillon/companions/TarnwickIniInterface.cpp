@@ -4,10 +4,14 @@
 #include <quillon/platform/ProfileFile.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
+#include <string>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace quillon {
 
@@ -56,11 +60,22 @@ bool CTarnwickIniInterface::GetNeutralLosses(CCompounds& losses, bool selectedOn
     if (!ini.Load())
         return false;
 
+    // The section is read once; keys are looked up as the file would be searched: without regard
+    // to case, the first of equal keys winning.
+    std::unordered_map<std::string, std::string> values;
+    for (auto& [key, value] : ini.GetSectionValues(kSection)) {
+        std::transform(key.begin(), key.end(), key.begin(),
+                       [](unsigned char ch) { return static_cast<char>(std::tolower(ch)); });
+        values.emplace(std::move(key), std::move(value));
+    }
     int number = 1;
     for (;; ++number) {
-        const CString value(ini.GetString(kSection, LossKey(number).view(), ""));
-        if (value.IsEmpty())
+        CString key = LossKey(number);
+        key.MakeLower();
+        const auto found = values.find(key.str());
+        if (found == values.end() || found->second.empty())
             break;
+        const CString value(found->second);
         const CCompoundData loss = ParseLoss(value.Left(kMaxValueLength));
         if (!selectedOnly || loss.IsSelected())
             losses.Add(loss);
@@ -74,7 +89,8 @@ void CTarnwickIniInterface::SetNeutralLosses(const CCompounds& losses) const {
     if (!ini.Load())
         return;
 
-    ini.ReplaceSection(kSection, {});
+    std::vector<std::string> lines;
+    lines.reserve(static_cast<size_t>(losses.GetSize()));
     for (int i = 0; i < losses.GetSize(); ++i) {
         const CCompoundData loss = losses.GetAt(i);
         CString name;
@@ -84,8 +100,9 @@ void CTarnwickIniInterface::SetNeutralLosses(const CCompounds& losses) const {
         CString value;
         value.Format("%.4f,%d,%d,%d,%s,%s", loss.GetMass(), loss.IsSelected() ? 1 : 0,
                      name.GetLength(), formula.GetLength(), name.c_str(), formula.c_str());
-        ini.WriteString(kSection, LossKey(i + 1).view(), value.view());
+        lines.push_back(LossKey(i + 1).str() + "=" + value.str());
     }
+    ini.ReplaceSection(kSection, lines);
     // One save for the whole list: the file holds the old list or the new one, never a part.
     ini.Save();
 }

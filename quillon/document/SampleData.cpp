@@ -125,6 +125,10 @@ constexpr NamedId kSections[] = {
     {"ANALOG", kAnalogSection},
     {"PARAMETERS", kParametersSection},
     {"MASS DEFECT FILTER", kMassDefectFilterSection},
+    {"EXPECTED METABOLITES", kExpectedMetabolitesSection},
+    {"UNEXPECTED METABOLITES", kUnexpectedMetabolitesSection},
+    {"MSMS CORRELATION", kMSMSCorrelationSection},
+    {"ELEMENTAL", kElementalSection},
 };
 
 // Adds one more line to a text that collects repeated fields.
@@ -172,6 +176,17 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
         return ReadParameters(file);
     case kMassDefectFilterSection:
         return ReadMDF(file);
+    case kExpectedMetabolitesSection:
+        m_bExpectedMetabolitesValid = true;
+        return ReadMetabolite(file, true);
+    case kUnexpectedMetabolitesSection:
+        m_bUnexpectedMetabolitesValid = true;
+        return ReadMetabolite(file, false);
+    case kMSMSCorrelationSection:
+        m_bMSMSMetabolitesValid = true;
+        return ReadMSMSCorrelation(file);
+    case kElementalSection:
+        return ReadElemental(file);
     default:
         return 0;
     }

@@ -4,7 +4,12 @@
 #include <quillon/acquisition/DoubleArray.h>
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/ParametersData.h>
+#include <quillon/acquisition/TraceType.h>
+#include <quillon/fragments/FragmentAnalysis.h>
 #include <quillon/metabolites/CompoundData.h>
+#include <quillon/metabolites/MSMSCorrelation.h>
+#include <quillon/metabolites/MSMSMetabolite.h>
+#include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/String.h>
@@ -15,7 +20,7 @@
 namespace quillon {
 
 class CDelimitFile;
-class CDivBroParams;
+struct CDivBroParams;
 
 // One sample of a report: its header (identity, acquisition files, subject, processing notes),
 // its processing state and the sections read from its "[SAMPLE]" block. Copies are deep, except
@@ -154,10 +159,78 @@ public:
     double GetInternalStandardArea() const { return m_dInternalStandardArea; }
     int GetMSMSCorrelationFirstEntry() const { return m_nMSMSCorrelationFirstEntry; }
     int GetNumParentMasses() const { return m_nNumParentMasses; }
+    // The fragment whose precursors the trace numbered -101 gathers, and the neutral loss (an
+    // entry index of the fragment analysis) whose carriers the trace numbered -102 gathers. A new
+    // value makes that trace need rebuilding.
     int CurrentFragment() const { return m_nCurrentFragment; }
-    void CurrentFragment(int fragment) { m_nCurrentFragment = fragment; }
+    void CurrentFragment(int fragment);
     int CurrentNeutralLoss() const { return m_nCurrentNeutralLoss; }
-    void CurrentNeutralLoss(int loss) { m_nCurrentNeutralLoss = loss; }
+    void CurrentNeutralLoss(int loss);
+
+    // The fragment analysis of this sample (validated after reading, run on demand).
+    CFragmentAnalysis* GetFragmentAnalysis() { return &m_FragmentAnalysis; }
+    const CFragmentAnalysis* GetFragmentAnalysis() const { return &m_FragmentAnalysis; }
+
+    // Metabolites (SampleDataMetabolites.cpp), kept in one array in three consecutive groups:
+    // expected, unexpected, then MS/MS correlation metabolites. The counts derive from the last
+    // index of each group and the group's validity flag.
+    int GetMetaboliteCount() const { return m_Metabolites.GetSize(); }
+    int GetExpectedMetaboliteCount() const;
+    int GetUnexpectedMetaboliteCount() const;
+    int GetMSMetaboliteCount() const {
+        return GetExpectedMetaboliteCount() + GetUnexpectedMetaboliteCount();
+    }
+    int GetMSMSCorrelationMetaboliteCount() const;
+    // Index of the first unexpected metabolite (the expected count).
+    int GetUnexpectedMetaboliteFirstEntry() const { return GetExpectedMetaboliteCount(); }
+    // The metabolite at the index, or the last one; null outside the array.
+    CMetaboliteData* GetMetabolite(int index);
+    const CMetaboliteData* GetMetabolite(int index) const;
+    CMetaboliteData* GetMetabolite();
+    // The first metabolite whose peak number is peakID; null when none.
+    CMetaboliteData* GetMetaboliteWithPeakID(int peakID);
+    // Appends a copy and returns its index; an expected or unexpected record becomes the last of
+    // its group. MS/MS rows are placed after the MS metabolites appended so far.
+    int AddMSMetabolite(const CMetaboliteData& metabolite);
+    // Stores a copy at MS/MS entry `entry` (after the MS metabolites), growing the array with
+    // default records as needed; an entry beyond kMaxMSMSEntryGrowth places of the array is
+    // refused. Returns the array size.
+    int AddMSMSMetabolite(int entry, const CMetaboliteData& metabolite);
+    // Marks the MS/MS metabolite of that entry as the correlation's parent and stores the entry.
+    void SetMSMSParentMetabolite(int entry);
+    // Moves metabolite i into the low-energy expected block, kept sorted by found m/z, and grows
+    // the expected group by one.
+    void AddExpectedMetabolite(int index);
+    // Recounts the high-energy expected and unexpected metabolites.
+    void SetHighEnergyMetaboliteCount();
+    // The sample's MS/MS correlation settings (parent entry, mass window).
+    CMSMSCorrelation* GetMSMSCorrelation() { return &m_MSMSCorrelation; }
+    const CMSMSCorrelation* GetMSMSCorrelation() const { return &m_MSMSCorrelation; }
+    // The largest parent mass the metabolite rows have referred to through their compounds.
+    double GetMaxParentMass() const { return m_dMaxParentMass; }
+    void SetInternalStandard(int entry, double area) {
+        m_nInternalStandardEntry = entry;
+        m_dInternalStandardArea = area;
+    }
+    // How far one MS/MS row may grow the metabolite array beyond its size: a row naming an entry
+    // further out is skipped, so a number in a file cannot make the array grow without bound.
+    static constexpr int kMaxMSMSEntryGrowth = 100000;
+
+    // Metabolite sections. ReadMetabolite reads an "EXPECTED METABOLITES" or "UNEXPECTED
+    // METABOLITES" block; ReadMSMSCorrelation an "MSMS CORRELATION" block. Rows never fail:
+    // missing columns take defaults. Each returns 1.
+    int ReadMetabolite(CDelimitFile* file, bool expected);
+    int ReadMSMSCorrelation(CDelimitFile* file);
+    // One MS-layout row: one metabolite per peak identifier of its "Peak" column.
+    int MSMetaboliteNewField(const CStringArray& row, bool expected);
+    // One MS/MS-layout row of the "METABOLITES" table.
+    int MSMSMetaboliteNewField(const CStringArray& row);
+    // One row of the "CORRELATION TABLE"; 0 for a row of fewer than three fields.
+    int MSMSAddCorrelationToMetabolite(const CStringArray& row);
+    // Write the body of an expected/unexpected section and of the "MSMS CORRELATION" section
+    // from memory. Each returns 1.
+    int WriteMSMetabolites(CDelimitFile* file, bool expected);
+    int WriteMSMSMetabolites(CDelimitFile* file);
 
     // Compounds, in file order.
     int GetCompoundCount() const { return m_Compounds.GetSize(); }
@@ -185,6 +258,55 @@ public:
     CChromatoData* GetAnalogChannel(); // the last channel
     // The combined trace numbered -101 or -102, or -100 for any other number.
     CChromatoData* GetCombinedTrace(int traceNumber);
+
+    // Combined traces (SampleDataCombinedTraces.cpp): computed chromatograms that gather the
+    // chromatographic peaks of a set of metabolites on one time axis. The trace numbered -100
+    // gathers the set chosen by the combined trace type, -101 the precursors of the current
+    // fragment, -102 the carriers of the current neutral loss. Each is built lazily: a change of
+    // its selection sets its needs-data flag, and the next SetupCombinedTrace rebuilds it once.
+    enum COMBINED_TRACE_TYPE {
+        COMBINED_EXPECTED_FOUND = 0,
+        COMBINED_ALL_FOUND = 1,
+        COMBINED_ALL_FOUND_AND_UNEXPECTED = 2,
+        COMBINED_PRECURSORS_OF_FRAGMENT = 3,
+        COMBINED_COMMON_NEUTRAL_LOSS = 4,
+    };
+    // -101 for precursors, else -102 for a neutral loss, else -100.
+    static int GetCombinedTraceNum(bool precursors, bool neutralLoss);
+    static bool IsCombinedTraceNum(int trace); // -100, -101 or -102
+    // Sets the needs-data flag of -100 to needs, and of -101 and -102 too when asked.
+    void CombinedTraceNeedsData(bool needs, bool precursorsToo, bool neutralLossToo);
+    bool CombinedTraceNeedsData() const; // the flag of -100
+    // False for another trace number or an unchanged type; otherwise flags the trace and
+    // stores the type.
+    bool SetCombinedTraceType(int type, int traceNumber);
+    int GetCombinedTraceType() const { return m_nCombinedTraceType; }
+    // Resets a trace to an empty combined trace: described "Combined Metabolite Peaks", numbered
+    // -100 (trace and function), needing data.
+    static void InitialiseCombinedTrace(CChromatoData* trace);
+    // Builds the combined trace numbered traceNumber when it needs data; true when built.
+    // The sixteen filter settings are those of CMetaboliteData::ApplyDataFilters, which types 0
+    // to 2 apply. Selection: type 0 takes the found expected metabolites, type 1 the found
+    // expected and MS/MS correlation ones, type 2 every found one (unexpected too); type 3 the
+    // parents of the current fragment, type 4 the low-energy metabolites whose peak carries the
+    // current neutral loss. High-energy partners and excluded masses never join. With
+    // leaveOutParent, metabolites named "Parent" are left out, so that the metabolites are not
+    // dwarfed by the parent; with confirmedOnly, only metabolites the user confirmed join.
+    // Grid: n times spread evenly over the widest span of the metabolites' traces, n the most
+    // points of any such trace. Each selected metabolite's trace is cut to its peak's extent
+    // and every cut point adds its intensity to the nearest grid time when that lies within half
+    // a grid spacing; overlapping peaks add up. Each selected peak is listed on the trace.
+    bool SetupCombinedTrace(int traceNumber, bool massDefectOn, double upperMassDefect,
+                            double lowerMassDefect, bool areaOn, int areaMode, float areaThreshold,
+                            float relativeAreaThreshold, bool areaOnExpected, bool massErrorOn,
+                            double massErrorLimit, bool isotopeOn, bool elementalOn, bool timeOn,
+                            double timeLow, double timeHigh, bool hideHighEnergy,
+                            bool leaveOutParent, bool confirmedOnly);
+    // Trace number of the diode-array TIC (or TAC) of the last diode-array function that has
+    // one; 0 when none.
+    int GetPDATIC();
+    // Trace number of the first chromatogram of the first analog function that has one; 0 if none.
+    int GetAnalog1();
 
     // Navigation by the numbers a report carries (SampleDataNavigation.cpp). Walks run over the
     // functions by index, their chromatograms by index and the chromatograms' peaks in order;
@@ -256,9 +378,40 @@ public:
     // parameter. Returns 1.
     int MDFNewField(const CStringArray& row);
 
+    // Elemental candidates (SampleDataElemental.cpp). ReadElemental hands the rows of one
+    // "ELEMENTAL" section to the first metabolite that is not expected and has no candidates yet,
+    // then marks that metabolite and the sample as having candidates; with no such metabolite the
+    // section is passed over. Returns 1.
+    int ReadElemental(CDelimitFile* file);
+    // Writes the block of the n-th metabolite after the expected ones (n from 1): a header line and
+    // one row per candidate of positive mass, or nothing between the braces when that metabolite
+    // is missing, expected or without candidates. Returns 1.
+    int WriteElementalComposition(CDelimitFile* file, int n);
+
+    // Area totals and percentages (SampleDataAreas.cpp), over the low-energy metabolites before
+    // the first MS/MS correlation metabolite that have a trace and a peak. Totals are kept per
+    // group (expected, unexpected) and detector kind (MS for any kind but diode array and analog).
+    // DetermineAreaTotals sums the peaks' absolute areas. CalculateMetabolitePercentAreas then
+    // gives each peak its share of its group and kind (RelativeArea) and each found metabolite's
+    // peak its share of the found ones (AreaPercentTotal; found peaks of 300 and 100 beside an
+    // unfound one of 100 get 60, 20, 20 and 75, 25, 0). With applyFilters, metabolites the browser
+    // parameters reject keep their share but get no found share.
+    void DetermineAreaTotals();
+    void CalculateMetabolitePercentAreas(bool applyFilters);
+    double GetAreaTotal(bool expected, TRACE_TYPE kind) const;
+
+    // The browser's list of MS/MS correlation metabolites in entry order (SampleDataMSMSList.cpp);
+    // returns the number of rows.
+    int GetMSMSMetaboliteList(CArray<CMSMSMetabolite>& list);
+
 private:
+    static CChromatoData EmptyCombinedTrace();
     // Stores one header field; 1 for a header identifier, 0 for any other.
     int NewField(const CStringArray& input, int id);
+    // Moves metabolite i into the sorted block of low-energy expected metabolites (by found m/z,
+    // ascending; equal masses keep it behind them). Nothing happens for i at or before the end of
+    // that block.
+    void SetMetaboliteAsExpected(int index);
     // Hands a nested section to its reader by the section's identifier.
     int NewParagraph(CDelimitFile* file, int id);
 
@@ -325,8 +478,21 @@ private:
     CDoubleArray m_MDFParams;
     CArray<CFunctionData> m_Functions;
     CArray<CChromatoData> m_AnalogChannels;
+    CArray<CMetaboliteData> m_Metabolites;
+    int m_nUnexpectedMetaboliteLastEntry = -1;
+    int m_nMSMSMetaboliteLastEntry = -1;
+    int m_nMSMetaboliteCount = 0; // expected and unexpected rows appended so far
+    int m_nNextCompoundNumber = 0;
+    double m_dMaxParentMass = 0.0;
+    CMSMSCorrelation m_MSMSCorrelation;
     // The combined traces numbered -100, -101 and -102, in that order.
-    CChromatoData m_CombinedTraces[3];
+    CChromatoData m_CombinedTraces[3] = {EmptyCombinedTrace(), EmptyCombinedTrace(),
+                                         EmptyCombinedTrace()};
+    int m_nCombinedTraceType = COMBINED_EXPECTED_FOUND;
+    CFragmentAnalysis m_FragmentAnalysis;
+    // Metabolite area totals by group (expected, unexpected) and detector kind (MS, diode array,
+    // analog).
+    double m_AreaTotals[2][3] = {};
 };
 
 } // namespace quillon

@@ -6,10 +6,12 @@
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/ProcessInfo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <ctime>
 #include <functional>
+#include <string_view>
 #include <utility>
 
 namespace quillon {
@@ -21,7 +23,7 @@ namespace {
 // Top-level sections of a report file.
 enum TopLevelSection { kSampleSection = 0, kSampleAppendSection = 1 };
 
-constexpr const char kSampleHeader[] = "[SAMPLE]";
+constexpr std::string_view kSampleSectionName = "SAMPLE";
 constexpr const char kReadingErrorTitle[] = "Hollbeck Browser";
 constexpr const char kReadingErrorText[] = "Error reading sample";
 // Longest exception text shown, terminator included.
@@ -74,42 +76,102 @@ int CSamples::Read(const char* path) {
 }
 
 int CSamples::Read(CDelimitFile* file) {
-    CFileRecord record;
-    record.AddParagraph("SAMPLE", kSampleSection);
-    record.AddParagraph("SAMPLE_APPEND", kSampleAppendSection);
-    while (record.Read(file)) {
-        if (record.GetID() == kSampleSection)
-            ReadSample(file);
-        else if (record.GetID() == kSampleAppendSection)
-            AppendSample(file);
+    // The top level of a report: "[SAMPLE]" and "[SAMPLE_APPEND]" sections are read; any other
+    // section is passed over with its block, and so is a stray block or a stray "}", so that one
+    // section this library does not know never ends the reading of the samples after it.
+    // A read error between samples ends the reading with a message, like one inside a sample.
+    // Samples are gathered in file order and put into number order once at the end, as AddSample
+    // would have placed them one by one: equal numbers keep their file order behind the samples
+    // already held. (Inserting each in turn moves every later sample: quadratic in a report whose
+    // samples come in descending order.)
+    std::vector<CSampleData> read;
+    // The sample a continuation extends: the one AddSample would have put last so far (the
+    // highest number, the latest of equals); -1 for none, else an index of the samples held
+    // followed by those read.
+    int last = GetSamplesCount() - 1;
+    auto sampleAt = [&](int index) -> CSampleData& {
+        return index < GetSamplesCount() ? m_Samples[index]
+                                         : read[static_cast<size_t>(index - GetSamplesCount())];
+    };
+    auto readNew = [&]() {
+        CSampleData sample;
+        if (!ReadSampleRecord(file, sample))
+            return;
+        sample.SetFileEntry(GetSamplesCount() + static_cast<int>(read.size()));
+        const int index = GetSamplesCount() + static_cast<int>(read.size());
+        if (last < 0 || sample.GetNumber() >= sampleAt(last).GetNumber())
+            last = index;
+        read.push_back(std::move(sample));
+    };
+    if (file != nullptr) {
+        try {
+            CStringArray fields;
+            int type = RECORD_EMPTY;
+            int strayDepth = 0;
+            while (file->ReadDelimitedString(fields, &type)) {
+                if (type == RECORD_BLOCK_START) {
+                    ++strayDepth;
+                } else if (type == RECORD_BLOCK_END) {
+                    strayDepth = strayDepth > 0 ? strayDepth - 1 : 0;
+                } else if (type == RECORD_PARAGRAPH && strayDepth == 0) {
+                    if (fields[0] == "SAMPLE")
+                        readNew();
+                    else if (fields[0] == "SAMPLE_APPEND" && last < 0)
+                        readNew();
+                    else if (fields[0] == "SAMPLE_APPEND")
+                        AppendRecord(file, sampleAt(last));
+                }
+            }
+        } catch (const CException& exception) {
+            ReportReadingError(&exception);
+        } catch (...) {
+            ReportReadingError(nullptr);
+        }
     }
+    AddSamplesInOrder(std::move(read));
     SetControlSamples();
+    for (CSampleData& sample : m_Samples)
+        DeriveMetaboliteResults(sample);
     return 1;
 }
 
+void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
+    // The fragment analysis's validation of the sample's energy pairs comes first: it marks the
+    // high-energy metabolites that the counts and area totals tell apart.
+    sample.GetFragmentAnalysis()->ValidateFragmentAnalysis(&sample);
+    sample.SetHighEnergyMetaboliteCount();
+    sample.DetermineAreaTotals();
+    sample.CalculateMetabolitePercentAreas(false);
+    sample.CalculateMetabolitePercentAreas(true);
+}
+
 int CSamples::ReadSample(CDelimitFile* file) {
-    if (file == nullptr)
+    CSampleData sample;
+    if (file == nullptr || !ReadSampleRecord(file, sample))
         return GetSamplesCount() - 1;
+    return AddSample(std::move(sample));
+}
+
+bool CSamples::ReadSampleRecord(CDelimitFile* file, CSampleData& sample) {
     try {
-        // The section starts where its header line did (a line end is one character).
+        // The section starts where its header line did, whatever its line end.
         const int64_t afterHeader = file->GetPosition();
-        const int64_t headerLength = static_cast<int64_t>(std::strlen(kSampleHeader)) + 1;
+        const int64_t headerLength = file->GetLastLineLength();
         const auto start =
             static_cast<unsigned long>(afterHeader > headerLength ? afterHeader - headerLength : 0);
 
-        CSampleData sample;
         sample.SetFilePosStart(start);
         sample.SetFilePosEnd(start);
         sample.Read(file);
         sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
         sample.SetParams(m_pParams);
-        return AddSample(std::move(sample));
+        return true;
     } catch (const CException& exception) {
         ReportReadingError(&exception);
     } catch (...) {
         ReportReadingError(nullptr);
     }
-    return GetSamplesCount() - 1;
+    return false;
 }
 
 int CSamples::AppendSample(CDelimitFile* file) {
@@ -118,15 +180,47 @@ int CSamples::AppendSample(CDelimitFile* file) {
     CSampleData* last = GetSample();
     if (last == nullptr)
         return ReadSample(file);
+    AppendRecord(file, *last);
+    return GetSamplesCount() - 1;
+}
+
+void CSamples::AppendRecord(CDelimitFile* file, CSampleData& sample) {
     try {
-        last->Read(file);
-        last->SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
+        sample.Read(file);
+        sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
     } catch (const CException& exception) {
         ReportReadingError(&exception);
     } catch (...) {
         ReportReadingError(nullptr);
     }
-    return GetSamplesCount() - 1;
+}
+
+void CSamples::AddSamplesInOrder(std::vector<CSampleData>&& added) {
+    if (added.empty())
+        return;
+    std::stable_sort(added.begin(), added.end(), [](const CSampleData& a, const CSampleData& b) {
+        return a.GetNumber() < b.GetNumber();
+    });
+    const std::vector<int> controls = ControlIndices();
+    std::vector<int> newIndex(static_cast<size_t>(GetSamplesCount()), -1);
+    CArray<CSampleData> merged;
+    merged.Reserve(GetSamplesCount() + static_cast<int>(added.size()));
+    int held = 0;
+    for (CSampleData& sample : added) {
+        // Samples already held go before new ones of the same number.
+        while (held < GetSamplesCount() && m_Samples[held].GetNumber() <= sample.GetNumber()) {
+            newIndex[static_cast<size_t>(held)] = merged.GetSize();
+            merged.Add(std::move(m_Samples[held++]));
+        }
+        merged.Add(std::move(sample));
+    }
+    while (held < GetSamplesCount()) {
+        newIndex[static_cast<size_t>(held)] = merged.GetSize();
+        merged.Add(std::move(m_Samples[held++]));
+    }
+    m_Samples = std::move(merged);
+    RelinkControls(controls,
+                   [&newIndex](int index) { return newIndex[static_cast<size_t>(index)]; });
 }
 
 int CSamples::AddSample() {
@@ -242,8 +336,12 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     };
 
     int sampleCounter = -1;
+    // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section, from 1: the
+    // n-th holds the candidates of the n-th metabolite after the expected ones.
+    int elementalCounter = 0;
     bool duplicatesDropped = false;
     CString line;
+    std::string_view section;
     bool lineEndSet = false;
     while (in->ReadString(line)) {
         if (!lineEndSet) {
@@ -253,21 +351,25 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
         }
         if (line.IsEmpty())
             continue;
-        if (line[0] != '[') {
+        // Section headers are told by the same rule the reader goes by.
+        if (in->ClassifyLine(line.view(), &section) != RECORD_PARAGRAPH) {
             out->WriteRecord(line);
             continue;
         }
-        if (line == kSampleHeader)
+        if (section == kSampleSectionName)
             ++sampleCounter;
         if (sampleCounter > GetSamplesCount() - 1) {
             // A sample the collection does not hold: its section is not written.
             in->SkipToNextSection();
             --sampleCounter;
-        } else if (const CSampleData* sample = sampleOfEntry(sampleCounter);
+        } else if (CSampleData* sample = sampleOfEntry(sampleCounter);
                    sample != nullptr && sample->IsDuplicate()) {
             in->MoveToNextSection();
             duplicatesDropped = true;
-        } else if (line == "[MOLFILE LIST]") {
+        } else if (sample != nullptr &&
+                   WriteMetaboliteSection(section, *sample, elementalCounter, in, out)) {
+            // Written from memory in place of the old block.
+        } else if (section == "MOLFILE LIST") {
             out->WriteSectionHeader("MOLFILE LIST");
             CopyMolfileList(in, out, parentToReplace, outputParent);
         } else {
@@ -291,11 +393,80 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     return 1;
 }
 
+bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sample,
+                                      int& elementalCounter, CDelimitFile* in, CDelimitFile* out) {
+    if (section == "EXPECTED METABOLITES") {
+        out->WriteSectionHeader("EXPECTED METABOLITES");
+        sample.WriteMSMetabolites(out, true);
+    } else if (section == "UNEXPECTED METABOLITES") {
+        out->WriteSectionHeader("UNEXPECTED METABOLITES");
+        sample.WriteMSMetabolites(out, false);
+        elementalCounter = 0;
+    } else if (section == "ELEMENTAL") {
+        out->WriteSectionHeader("ELEMENTAL");
+        sample.WriteElementalComposition(out, ++elementalCounter);
+    } else if (section == "MSMS CORRELATION") {
+        out->WriteSectionHeader("MSMS CORRELATION");
+        sample.WriteMSMSMetabolites(out);
+    } else {
+        return false;
+    }
+    in->MoveToNextSection();
+    return true;
+}
+
+bool CSamples::CreateOverallMSSummaryData(CArray<MetaboliteCountInfo>& summary, int first,
+                                          int last) {
+    summary.RemoveAll();
+    if (first < 0)
+        first = 0;
+    if (last < 0)
+        last = GetSamplesCount() - 1;
+    if (first > last)
+        return true;
+    const int columns = last - first + 1;
+    CString name;
+    CString label;
+    for (int s = first; s <= last; ++s) {
+        CSampleData* sample = GetSample(s);
+        if (sample == nullptr || !sample->ExpectedMetabolitesValid())
+            continue;
+        for (int i = 0; i < sample->GetExpectedMetaboliteCount(); ++i) {
+            const CMetaboliteData* metabolite = sample->GetMetabolite(i);
+            if (metabolite == nullptr || metabolite->IsHiEnergy())
+                continue;
+            metabolite->GetMetName(name);
+            const double shift = metabolite->GetMetabolite();
+            if (std::fabs(shift) > 0.5)
+                label.Format("%+.0f", shift);
+            else
+                label.Empty();
+            MetaboliteCountInfo* entry = nullptr;
+            for (MetaboliteCountInfo& candidate : summary) {
+                if (candidate.label == label && candidate.name == name) {
+                    entry = &candidate;
+                    break;
+                }
+            }
+            if (entry == nullptr) {
+                MetaboliteCountInfo added;
+                added.name = name;
+                added.label = label;
+                added.counts.assign(static_cast<size_t>(columns), 0);
+                entry = &summary[summary.Add(std::move(added))];
+            }
+            if (metabolite->GetFound())
+                ++entry->counts[static_cast<size_t>(s - first)];
+        }
+    }
+    return true;
+}
+
 void CSamples::CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                const CString& to) {
     CString line;
     while (in->ReadString(line)) {
-        const bool endOfList = line == "}";
+        const bool endOfList = in->ClassifyLine(line.view()) == RECORD_BLOCK_END;
         const int found = from.IsEmpty() ? -1 : line.Find(from);
         if (found >= 0) {
             line.Delete(found, from.GetLength());

@@ -4,12 +4,24 @@
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 
+#include <string_view>
 #include <vector>
 
 namespace quillon {
 
 class CDelimitFile;
-class CDivBroParams;
+struct CDivBroParams;
+class CMetabolicStabilityInfo;
+struct MetabolicStabilityParameters;
+
+// One row of the found-count summary over a range of samples: an expected metabolite's name, its
+// mass shift as a label ("+16" for a shift of 15.9949; empty within 0.5 of zero) and, per sample
+// of the range, how many found metabolites of that sample carry this name and label.
+struct MetaboliteCountInfo {
+    CString name;
+    CString label;
+    std::vector<int> counts;
+};
 
 // The report document: every sample of one report file, kept in ascending order of sample number.
 // It reads a whole report, links samples to their control samples, and writes an updated report by
@@ -30,7 +42,7 @@ public:
     // Opens the report file read-only and reads it; 0 when it cannot be opened, otherwise 1.
     int Read(const char* path);
     // Reads every "[SAMPLE]" and "SAMPLE_APPEND" section to the end of the file, then links the
-    // control samples. Returns 1.
+    // control samples and derives each sample's metabolite counts and area percentages. Returns 1.
     int Read(CDelimitFile* file);
     // Reads one sample section (the header line has just been read) into a new sample placed in
     // number order; returns its index. A failure while reading is shown through the message
@@ -65,6 +77,17 @@ public:
     // True when any sample has lock-spray (respectively MUX) acquisition enabled.
     bool GetLockSprayEnabled() const;
     bool GetMUXEnabled() const;
+    // The found counts of the low-energy expected metabolites of samples first..last (a negative
+    // first means 0, a negative last the last sample), one row per name and shift label in the
+    // order they first appear. A name never found still gets a row of zeros. Returns true.
+    bool CreateOverallMSSummaryData(CArray<MetaboliteCountInfo>& summary, int first, int last);
+    // The metabolic stability of every incubation series: the analyte samples (controls left
+    // out) grouped by parent ("SubjectParent") and processing parameters, ordered by incubation
+    // time. Fills one entry per series (see CMetabolicStabilityInfo for what is computed) and
+    // returns whether any series was found.
+    bool CreateMetabolicStabilityAnalysis(CArray<CMetabolicStabilityInfo>& series);
+    bool CreateMetabolicStabilityAnalysis(CArray<CMetabolicStabilityInfo>& series,
+                                          const MetabolicStabilityParameters& parameters);
 
     // Copies the report file the collection was read from (in, at its start) to out, line by
     // line, with the line ends of in's first line: empty lines are dropped, duplicate samples are
@@ -75,6 +98,10 @@ public:
     int Write(CDelimitFile* in, CDelimitFile* out);
 
 private:
+    // The passes that need a whole sample in memory, run on every sample after reading: the
+    // high-energy metabolite counts, the area totals, and the area percentages first without and
+    // then with the browser's filters (so the filtered found percentages are the ones kept).
+    static void DeriveMetaboliteResults(CSampleData& sample);
     // The index in this collection of each sample's control sample, -1 for a sample without one
     // or whose control lies outside the collection; empty when no sample has such a link.
     std::vector<int> ControlIndices() const;
@@ -84,8 +111,21 @@ private:
     void RelinkControls(const std::vector<int>& controls, NewIndexOf newIndexOf);
     // Removes the samples marked as duplicates, keeping the control links of the others.
     void RemoveDuplicates();
-    // Copies the molfile list's lines up to and including the first lone "}", replacing the
-    // first occurrence of from by to in each line when from is not empty.
+    // Reads one "[SAMPLE]" section into sample, with its place in the file and the browser
+    // parameters; false (after showing why) when reading failed.
+    bool ReadSampleRecord(CDelimitFile* file, CSampleData& sample);
+    // Reads a "SAMPLE_APPEND" section into sample; a failure is shown.
+    void AppendRecord(CDelimitFile* file, CSampleData& sample);
+    // Puts the samples among those held in number order, as AddSample would one by one, in
+    // linear-logarithmic time; control links of the samples held are kept.
+    void AddSamplesInOrder(std::vector<CSampleData>&& added);
+    // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
+    // of the input's block; false for any other section. The elemental counter numbers the
+    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1.
+    static bool WriteMetaboliteSection(std::string_view section, CSampleData& sample,
+                                       int& elementalCounter, CDelimitFile* in, CDelimitFile* out);
+    // Copies the molfile list's lines up to and including the line that closes its block,
+    // replacing the first occurrence of from by to in each line when from is not empty.
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 

@@ -1,5 +1,6 @@
 #include <quillon/file/DelimitFile.h>
 
+#include <algorithm>
 #include <cstdarg>
 
 namespace quillon {
@@ -42,6 +43,10 @@ int CDelimitFile::SplitInto(std::string_view line, CStringArray& fields, int fir
     };
     const std::string_view delimiters = m_delimiters.view();
     while (!line.empty()) {
+        if (slot - firstIndex == kMaxFieldsPerLine - 1) {
+            store(line);
+            break;
+        }
         const size_t at = line.find_first_of(delimiters);
         if (at == std::string_view::npos) {
             store(line);
@@ -58,31 +63,66 @@ int CDelimitFile::SplitInto(std::string_view line, CStringArray& fields, int fir
     return slot;
 }
 
-int CDelimitFile::Classify(CStringArray& fields) const {
-    if (fields.IsEmpty())
-        return RECORD_EMPTY;
-    std::string& first = fields[0].str();
+int CDelimitFile::ClassifyFirstField(std::string_view first, size_t& keepFrom,
+                                     size_t& keepLength) const {
+    keepFrom = 0;
+    keepLength = first.size();
     if (BeginsWith(first, m_comment)) {
-        first.erase(0, m_comment.str().size());
+        keepFrom = m_comment.str().size();
+        keepLength = first.size() - keepFrom;
         return RECORD_COMMENT;
     }
     if (BeginsWith(first, m_sectionStart) && !m_sectionEnd.IsEmpty()) {
-        const size_t end = first.find(m_sectionEnd.str());
-        if (end != std::string::npos && end > 0) {
+        const size_t end = first.find(m_sectionEnd.view());
+        if (end != std::string_view::npos && end > 0) {
             const size_t start = m_sectionStart.str().size();
-            first = end > start ? first.substr(start, end - start) : std::string();
+            keepFrom = std::min(start, end);
+            keepLength = end > start ? end - start : 0;
             return RECORD_PARAGRAPH;
         }
     }
     if (BeginsWith(first, m_blockStart)) {
-        first.erase(0, m_blockStart.str().size());
+        keepFrom = m_blockStart.str().size();
+        keepLength = first.size() - keepFrom;
         return RECORD_BLOCK_START;
     }
     if (BeginsWith(first, m_blockEnd)) {
-        first.erase(0, m_blockEnd.str().size());
+        keepFrom = m_blockEnd.str().size();
+        keepLength = first.size() - keepFrom;
         return RECORD_BLOCK_END;
     }
     return RECORD_FIELD;
+}
+
+int CDelimitFile::Classify(CStringArray& fields) const {
+    if (fields.IsEmpty())
+        return RECORD_EMPTY;
+    std::string& first = fields[0].str();
+    size_t keepFrom = 0;
+    size_t keepLength = 0;
+    const int type = ClassifyFirstField(first, keepFrom, keepLength);
+    if (type != RECORD_FIELD) {
+        first.erase(keepFrom + keepLength);
+        first.erase(0, keepFrom);
+    }
+    return type;
+}
+
+int CDelimitFile::ClassifyLine(std::string_view line, std::string_view* name) const {
+    const std::string_view delimiters = m_delimiters.view();
+    if (m_skipMultipleDelimiters) {
+        const size_t start = line.find_first_not_of(delimiters);
+        line.remove_prefix(start == std::string_view::npos ? line.size() : start);
+    }
+    if (line.empty())
+        return RECORD_EMPTY;
+    const std::string_view first = line.substr(0, line.find_first_of(delimiters));
+    size_t keepFrom = 0;
+    size_t keepLength = 0;
+    const int type = ClassifyFirstField(first, keepFrom, keepLength);
+    if (name != nullptr)
+        *name = type == RECORD_PARAGRAPH ? first.substr(keepFrom, keepLength) : std::string_view();
+    return type;
 }
 
 int CDelimitFile::ParseDelimitedString(CString text, CStringArray& fields) {
@@ -110,14 +150,14 @@ int CDelimitFile::ReadDelimitedString(CStringArray& fields, int* type) {
 
 void CDelimitFile::SkipToNextSection() {
     while (ReadString(m_line)) {
-        if (BeginsWith(m_line.view(), m_sectionStart))
+        if (ClassifyLine(m_line.view()) == RECORD_PARAGRAPH)
             return;
     }
 }
 
 void CDelimitFile::SkipToEndOfBlock() {
     while (ReadString(m_line)) {
-        if (m_line == m_blockEnd)
+        if (ClassifyLine(m_line.view()) == RECORD_BLOCK_END)
             return;
     }
 }
@@ -128,9 +168,10 @@ void CDelimitFile::MoveToNextSection() {
         // Unlike a block reader, this stops at end of file: a truncated report must not hang.
         if (!ReadString(m_line))
             return;
-        if (m_line == m_blockStart)
+        const int type = ClassifyLine(m_line.view());
+        if (type == RECORD_BLOCK_START)
             ++depth;
-        else if (m_line == m_blockEnd)
+        else if (type == RECORD_BLOCK_END)
             --depth;
     } while (depth > 0);
 }

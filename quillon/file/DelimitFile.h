@@ -41,6 +41,11 @@ public:
     // Reading. Lines are read whole, of any length (ReadString of the base).
     using CStdioFileS::ReadString;
 
+    // The most fields one line is split into: the rest of a longer line stays whole in its last
+    // field. No section of a report has near as many columns; the limit keeps a line of a million
+    // delimiters from costing a million strings.
+    static constexpr int kMaxFieldsPerLine = 4096;
+
     // Splits text at the delimiters and appends the fields; returns the array's size afterwards.
     int ParseDelimitedString(CString text, CStringArray& fields);
     // As above, then classifies the line into *type (when type is not null) and strips the marker
@@ -53,12 +58,18 @@ public:
     // Called after every line ReadDelimitedString reads; a derived file can report progress here.
     virtual void UpdateStatus() {}
 
+    // The kind of a raw line, by the one rule the reader classifies lines with: the line's first
+    // field decides. "[SAMPLE] " and "[SAMPLE]\tx" are section headers named "SAMPLE" (the name
+    // is stored in *name when given), "{ " opens a block, ";x" is a comment, "" is empty. The
+    // reader, the writer and the skipping operations below all go by it.
+    int ClassifyLine(std::string_view line, std::string_view* name = nullptr) const;
+
     // Skipping; each stops at end of file.
-    // Reads up to and including the next line that begins with "[".
+    // Reads up to and including the next section header.
     void SkipToNextSection();
-    // Reads up to and including the next line that is exactly "}"; nested blocks are not counted.
+    // Reads up to and including the next line that closes a block; nested blocks are not counted.
     void SkipToEndOfBlock();
-    // Reads one line; when it is exactly "{", reads on to its matching "}".
+    // Reads one line; when it opens a block, reads on to the line that closes that block.
     void MoveToNextSection();
 
     // Writing: each writes one line followed by the line end ("\n" unless set otherwise; a copy
@@ -93,6 +104,9 @@ private:
     int SplitInto(std::string_view line, CStringArray& fields, int firstIndex) const;
     // Classifies a split line and strips the marker from its first field.
     int Classify(CStringArray& fields) const;
+    // The kind of a line from its first field; for a marker line, the part of the field that
+    // remains once the marker is stripped (for a header: its name) as an offset and a length.
+    int ClassifyFirstField(std::string_view first, size_t& keepFrom, size_t& keepLength) const;
     void WriteLine(const CString& text);
     void WriteFormatted(const char* prefix, const char* format, va_list args);
 

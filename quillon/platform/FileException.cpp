@@ -18,6 +18,15 @@ CFileException::CFileException(Cause cause, int osError, const char* fileName,
                          reason);
 }
 
+CFileException CFileException::NotARegularFile(const char* fileName) {
+    CFileException error(invalidFile, 0, fileName, "open");
+    if (error.m_strFileName.IsEmpty())
+        error.m_message = "Cannot open the file: not a regular file.";
+    else
+        error.m_message.Format("Cannot open the file \"%s\": not a regular file.", fileName);
+    return error;
+}
+
 CFileException::Cause CFileException::CauseFromErrno(int osError) {
     switch (osError) {
     case 0:

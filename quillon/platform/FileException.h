@@ -32,6 +32,9 @@ public:
     // operation names what failed ("open", "read", "write", ...); osError is the errno value.
     CFileException(Cause cause, int osError, const char* fileName, const char* operation);
 
+    // The failure to open something that is not a regular file (a directory, a pipe, a device).
+    static CFileException NotARegularFile(const char* fileName);
+
     // The cause that matches an errno value.
     static Cause CauseFromErrno(int osError);
 

@@ -229,6 +229,22 @@ std::string CProfileFile::GetString(std::string_view section, std::string_view k
     return std::string(StripQuotes(value));
 }
 
+std::vector<std::pair<std::string, std::string>>
+CProfileFile::GetSectionValues(std::string_view section) const {
+    std::vector<std::pair<std::string, std::string>> values;
+    const size_t header = FindSection(section);
+    if (header == std::string::npos)
+        return values;
+    const size_t end = SectionEnd(header);
+    for (size_t i = header + 1; i < end; ++i) {
+        std::string_view name;
+        std::string_view value;
+        if (ParseKey(Content(i), name, value))
+            values.emplace_back(std::string(name), std::string(StripQuotes(value)));
+    }
+    return values;
+}
+
 void CProfileFile::WriteString(std::string_view section, std::string_view key,
                                std::string_view value) {
     size_t header = FindSection(section);
@@ -275,9 +291,17 @@ void CProfileFile::ReplaceSection(std::string_view section, const std::vector<st
     m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(header + 1),
                   m_lines.begin() + static_cast<std::ptrdiff_t>(last));
 
-    size_t position = header + 1;
+    // All new lines go in at once: a section of many keys costs one pass, not one per key.
+    const std::string ending =
+        !m_lines.empty() && !m_lines.front().ending.empty() ? m_lines.front().ending : "\n";
+    if (!lines.empty() && m_lines[header].ending.empty())
+        m_lines[header].ending = ending;
+    std::vector<Line> added;
+    added.reserve(lines.size());
     for (const std::string& line : lines)
-        InsertLine(position++, OneLine(line));
+        added.push_back({OneLine(line), ending});
+    m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(header + 1),
+                   std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
 }
 
 std::string_view CProfileFile::Content(size_t index) const {

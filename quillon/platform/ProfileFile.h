@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quillon {
@@ -39,6 +40,11 @@ public:
     // after the last key of the section (right after its header when it has none); a missing
     // section is added at the end of the file.
     void WriteString(std::string_view section, std::string_view key, std::string_view value);
+
+    // Every key of section with its value (as GetString gives it), in file order; empty when the
+    // section is missing. One pass over the file, however many keys the section holds.
+    std::vector<std::pair<std::string, std::string>>
+    GetSectionValues(std::string_view section) const;
 
     // Replaces the body of section (keys and comments alike) with the given lines, written as they
     // are ("key=value"). With no lines the section stays as an empty header. The blank lines that

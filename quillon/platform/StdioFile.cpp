@@ -46,7 +46,9 @@ BOOL CStdioFile::Open(const char* fileName, UINT openFlags, CFileException* erro
     m_strFileName = fileName;
 
     const UINT access = openFlags & 0x3;
-    int flags = O_CLOEXEC;
+    // Non-blocking, so that opening a pipe without a writer cannot hang; only regular files are
+    // accepted below, for which the flag changes nothing.
+    int flags = O_CLOEXEC | O_NONBLOCK;
     const char* streamMode = "r";
     if (access == modeWrite) {
         flags |= O_WRONLY;
@@ -64,17 +66,27 @@ BOOL CStdioFile::Open(const char* fileName, UINT openFlags, CFileException* erro
     }
 
     int osError = 0;
+    bool regular = true;
     const int descriptor = fileName ? ::open(fileName, flags, 0666) : -1;
     if (descriptor < 0) {
         osError = fileName ? errno : ENOENT;
     } else {
         struct stat status {};
-        if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode))
+        if (::fstat(descriptor, &status) != 0)
+            osError = errno;
+        else if (S_ISDIR(status.st_mode))
             osError = EISDIR;
+        else if (!S_ISREG(status.st_mode))
+            regular = false;
         else if ((m_pStream = ::fdopen(descriptor, streamMode)) == nullptr)
             osError = errno;
-        if (osError != 0)
+        if (osError != 0 || !regular)
             ::close(descriptor);
+    }
+    if (!regular) {
+        if (error != nullptr)
+            *error = CFileException::NotARegularFile(fileName);
+        return FALSE;
     }
     if (osError != 0) {
         if (error != nullptr)
@@ -130,12 +142,17 @@ BOOL CStdioFile::ReadString(CString& line) {
     line.Empty();
     if (m_pStream == nullptr)
         return FALSE;
+    errno = 0;
     const ssize_t read = ::getline(&m_lineBuffer, &m_lineCapacity, m_pStream);
     if (read < 0) {
-        if (std::ferror(m_pStream))
-            ThrowError("read", errno);
+        // Only the end of the file ends reading; a failed read or a line that cannot be held in
+        // memory is an error, never a silent end.
+        if (std::ferror(m_pStream) || !std::feof(m_pStream))
+            ThrowError("read", errno != 0 ? errno : EIO);
+        m_lastLineLength = 0;
         return FALSE;
     }
+    m_lastLineLength = static_cast<int64_t>(read);
     size_t length = static_cast<size_t>(read);
     if (!m_bLineEndKnown && m_lineBuffer[length - 1] == '\n') {
         m_bLineEndKnown = true;

@@ -33,6 +33,9 @@ public:
     // Reads one whole line of any length without its line end. Returns TRUE when a line was read
     // (a last line without a line feed included), FALSE at end of file with an empty text.
     virtual BOOL ReadString(CString& line);
+    // The bytes the last whole-line ReadString consumed, its line end ("\n" or "\r\n")
+    // included; 0 after end of file.
+    int64_t GetLastLineLength() const { return m_lastLineLength; }
     // Writes the text as it stands (up to its first NUL byte).
     virtual void WriteString(const char* text);
     // Writes the bytes as they are, NUL bytes included.
@@ -58,6 +61,7 @@ protected:
 private:
     void CloseQuietly() noexcept;
 
+    int64_t m_lastLineLength = 0;
     bool m_bLineEndKnown = false;
     bool m_bCrLfRead = false;
     char* m_lineBuffer = nullptr; // reused by ReadString(CString&) from line to line

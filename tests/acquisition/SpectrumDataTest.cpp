@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <cmath>
+#include <limits>
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -237,6 +241,14 @@ TEST(SpectrumDataTest, RangesAndMaximaOverTheMasses) {
     empty.GetDataRange(low, high);
     EXPECT_EQ(low, 0);
     EXPECT_EQ(high, 0);
+
+    // Masses no int can hold: NaN is passed over, the others count as the ends of the range.
+    const float huge = std::numeric_limits<float>::infinity();
+    const CSpectrumData wild =
+        SpectrumOf({std::nanf(""), 50.5f, 3e9f, huge, -3e9f}, {1.0f, 1.0f, 1.0f, 1.0f, 1.0f});
+    wild.GetDataRange(low, high);
+    EXPECT_EQ(low, INT_MIN);
+    EXPECT_EQ(high, INT_MAX);
 }
 
 TEST(SpectrumDataTest, IsPositiveLooksAtFoundResultsAndTheirTests) {

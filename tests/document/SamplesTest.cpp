@@ -100,17 +100,6 @@ TEST(SamplesTest, ReadKeepsNumberOrderFileEntriesAndSectionPositions) {
     EXPECT_EQ(samples.GetSample(0)->GetFilePosEnd(), firstStart + first.size() + second.size());
 }
 
-TEST(SamplesTest, ReadOfAMissingFileFailsAndAnUnknownTopLevelBlockEndsTheReading) {
-    CSamples samples;
-    EXPECT_EQ(samples.Read("/nonexistent/folder/report.txt"), 0);
-    EXPECT_EQ(samples.GetSamplesCount(), 0);
-
-    TempFile file;
-    file.Write(SampleSection(1) + "[HISTORY]\n{\nline\n}\n" + SampleSection(2));
-    ASSERT_EQ(samples.Read(file.c_str()), 1);
-    EXPECT_EQ(Numbers(samples), (std::vector<int>{1}));
-}
-
 TEST(SamplesTest, AppendedSectionsGoToTheHighestNumberedSample) {
     TempFile file;
     file.Write("[SAMPLE_APPEND]\n{\nSample\t8\nWarning\tearly\n}\n" + SampleSection(2) +

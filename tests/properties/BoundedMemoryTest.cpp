@@ -108,9 +108,18 @@ TEST(BoundedMemoryTest, NoNumberInAReportMakesTheReaderAllocateWithoutBound) {
         {"function, trace and peak numbers of two billion",
          std::regex_replace(report, std::regex("\n(Function|TraceNumber|Peak ID|PeakID)\t[0-9]+"),
                             "\n$1\t" + huge)},
+        {"MS/MS entries of two billion",
+         std::regex_replace(
+             std::regex_replace(report, std::regex("\n0\t0\t"), "\n" + huge + "\t" + huge + "\t"),
+             std::regex("\nParentEntry\t[0-9]+"), "\nParentEntry\t" + huge)},
+        {"a line of four million empty fields",
+         report + "[SAMPLE]\n{\nSample\t3\n" + std::string(4 << 20, '\t') + "\n}\n"},
     };
     for (const Case& hostile : cases) {
         SCOPED_TRACE(hostile.what);
+        if (&hostile != &cases[0]) {
+            ASSERT_NE(hostile.text, report) << "the case changes nothing";
+        }
         const std::string path = (folder.Folder() / "hostile.txt").string();
         std::ofstream(path, std::ios::binary | std::ios::trunc) << hostile.text;
         EXPECT_TRUE(ReadsUnderMemoryLimit(path, hostile.text.size()));

@@ -8,9 +8,10 @@
 namespace quillon::testing {
 
 // Everything a report puts into a collection, as text: every sample's header fields, compounds,
-// parameters, mass-defect filter, functions with their chromatograms (points and peaks) and
-// spectra (points, masses, results), and analog channels. Byte positions in the file are left
-// out: they depend on the line ends, not on the content.
+// parameters, mass-defect filter, metabolites with their elemental candidates and correlation
+// lists, functions with their chromatograms (points and peaks) and spectra (points, masses,
+// results), and analog channels. Left out: byte positions in the file (they depend on the line
+// ends) and the text of a metabolite's molfile reference (it names the file it was read from).
 class ModelDump {
 public:
     static std::string Of(CSamples& samples) {
@@ -85,10 +86,43 @@ private:
         Numbers("negative adducts", parameters.NegativeAdducts());
         Numbers("mdf masses", *s.GetMDFMasses());
         Numbers("mdf parameters", *s.GetMDFParams());
+        m_out << "metabolites " << s.GetExpectedMetaboliteCount() << ' '
+              << s.GetUnexpectedMetaboliteCount() << ' ' << s.GetMSMSCorrelationMetaboliteCount()
+              << '\n';
+        for (int i = 0; i < s.GetMetaboliteCount(); ++i)
+            Metabolite(*s.GetMetabolite(i));
         for (int f = 0; f < s.GetFunctionCount(); ++f)
             Function(*s.GetFunction(f));
         for (int a = 0; a < s.GetAnalogCount(); ++a)
             Chromatogram(*s.GetAnalogChannel(a));
+    }
+
+    void Metabolite(const CMetaboliteData& m) {
+        m_out << "metabolite " << m.IsExpected() << m.IsUnexpected() << m.IsMSMSCorrelation() << ' '
+              << m.GetCompound() << ' ' << m.GetPrecursor() << ' ' << m.GetMetabolite() << ' '
+              << m.GetMzFound() << ' ' << m.GetMolecularMass() << ' ' << m.GetPeakNum() << ' '
+              << m.GetPeakClusterNum() << ' ' << m.GetFunctionNum() << ' ' << m.GetTraceNum() << ' '
+              << m.GetFound() << m.GetConfirmed() << m.GetMSMS() << m.IsMSMSParent() << '|'
+              << m.GetMetName() << '|' << m.GetFormula() << '|' << m.GetUserLabel() << '|'
+              << Text([&](CString& t) { m.GetChroTraceList(t); }) << '|'
+              << m.GetMoleculeReference().IsEmpty() << '\n';
+        CElementalResultsData candidate;
+        for (int i = 0; m.GetElementalResults(i, candidate); ++i)
+            m_out << "elemental " << candidate.GetMass() << ' ' << candidate.GetCalcMass() << ' '
+                  << candidate.GetmDa() << ' ' << candidate.GetPPM() << ' ' << candidate.GetDBE()
+                  << ' ' << candidate.GetiFIT() << ' ' << candidate.GetiFITnorm() << '|'
+                  << candidate.GetFormula().str() << '|' << candidate.GetMonoMassFormula().str()
+                  << '\n';
+        for (int entry = 0; entry < m.GetCorrelationEntryCount(); ++entry) {
+            CString masses;
+            CString losses;
+            CString common;
+            m.GetCorrelationMasses(entry, masses);
+            m.GetNeutralLossesFromAllParentSpectrumMassesAt(entry, losses);
+            m.GetCommonNeutralLossesAt(entry, common);
+            m_out << "correlation " << entry << '|' << masses.str() << '|' << losses.str() << '|'
+                  << common.str() << '\n';
+        }
     }
 
     void Function(CFunctionData& f) {

@@ -7,11 +7,13 @@
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/SpectrumData.h>
+#include <quillon/chemistry/Formula.h>
 #include <quillon/companions/TarnwickIniInterface.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
 #include <quillon/file/FileRecord.h>
-#include <quillon/platform/Formula.h>
+#include <quillon/metabolites/ElementalResultsData.h>
+#include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/platform/HostHooks.h>
 
 #include <gtest/gtest.h>
@@ -94,6 +96,17 @@ TEST(ExampleBatchTest, SamplesHeadersCompoundsParametersAndMassDefectFilterReadB
         EXPECT_EQ(sample.GetParameters()->NegativeAdducts().GetSize(), expected.negativeAdducts);
         EXPECT_EQ(sample.GetMDFMasses()->GetSize(), expected.mdfMasses);
         EXPECT_EQ(sample.GetMDFParams()->GetSize(), expected.mdfParameters);
+
+        EXPECT_EQ(sample.GetExpectedMetaboliteCount(), expected.expectedRecords);
+        EXPECT_EQ(sample.GetUnexpectedMetaboliteCount(), expected.unexpectedRecords);
+        const int msms = sample.GetMSMSCorrelationMetaboliteCount();
+        EXPECT_EQ(msms, expected.msmsRecords);
+        // Every correlation row reached its metabolite: entries x entries texts in all.
+        int correlationEntries = 0;
+        for (int m = sample.GetMSMetaboliteCount(); m < sample.GetMetaboliteCount(); ++m)
+            correlationEntries += sample.GetMetabolite(m)->GetCorrelationEntryCount();
+        EXPECT_EQ(correlationEntries, expected.correlationRows > 0 ? msms * msms : 0);
+        EXPECT_EQ(expected.correlationRows, msms * msms);
     }
 }
 
@@ -163,6 +176,70 @@ TEST(ExampleBatchTest, FunctionsChromatogramsPeaksSpectraAndAnalogChannelsReadBa
         ASSERT_NE(sample.GetCorrespondingSpectrum(1), nullptr);
         const int cluster = sample.GetCorispondingPeakInfo(1, 0)->GetPeakClusterID();
         EXPECT_GE(sample.GetNumberOfChroGraphsInCluster(cluster), 4);
+    }
+}
+
+// Each "ELEMENTAL" section belongs to the unexpected record of the same place: the candidates of a
+// found metabolite, an empty list for its high-energy partner.
+TEST(ExampleBatchTest, ElementalCandidatesReadBackToTheirUnexpectedMetabolites) {
+    const BatchSummary& written = ExampleSummary();
+    CSamples& samples = Example();
+    ASSERT_EQ(samples.GetSamplesCount(), static_cast<int>(written.samples.size()));
+    int candidates = 0;
+    for (int s = 0; s < samples.GetSamplesCount(); ++s) {
+        SCOPED_TRACE("sample " + std::to_string(s + 1));
+        CSampleData& sample = *samples.GetSample(s);
+        const std::vector<int>& rows = written.samples[static_cast<size_t>(s)].elementalRows;
+        ASSERT_EQ(sample.GetUnexpectedMetaboliteCount(), static_cast<int>(rows.size()));
+        EXPECT_EQ(sample.GetElementalEnabled(), !rows.empty());
+        for (int i = 0; i < static_cast<int>(rows.size()); ++i) {
+            const CMetaboliteData& metabolite =
+                *sample.GetMetabolite(sample.GetExpectedMetaboliteCount() + i);
+            EXPECT_TRUE(metabolite.IsUnexpected());
+            EXPECT_TRUE(metabolite.IsElementalEnabled());
+            ASSERT_EQ(metabolite.GetNumElementalResults(), rows[static_cast<size_t>(i)]);
+            CElementalResultsData candidate;
+            for (int c = 0; c < metabolite.GetNumElementalResults(); ++c) {
+                ASSERT_TRUE(metabolite.GetElementalResults(c, candidate));
+                // Every candidate explains the found m/z by its ion formula.
+                EXPECT_NEAR(candidate.GetMass(), metabolite.GetMzFound(), 5e-5);
+                const double ion =
+                    CFormula::Parse(candidate.GetFormula().view()).MonoisotopicMass() -
+                    CElements::kElectronMass;
+                EXPECT_NEAR(candidate.GetCalcMass(), ion, 5e-6);
+                EXPECT_NEAR(candidate.GetmDa(), (candidate.GetMass() - ion) * 1000.0, 1e-3);
+                ++candidates;
+            }
+        }
+        // No expected or MS/MS correlation metabolite takes candidates.
+        for (int i = 0; i < sample.GetMetaboliteCount(); ++i) {
+            if (!sample.GetMetabolite(i)->IsUnexpected()) {
+                EXPECT_EQ(sample.GetMetabolite(i)->GetNumElementalResults(), 0);
+            }
+        }
+    }
+    EXPECT_GT(candidates, 0);
+}
+
+// Reading ends with the area passes: every sample has metabolite area totals, and its found
+// expected metabolites have their share of the group's area.
+TEST(ExampleBatchTest, AreaPercentagesAreDerivedWhenTheBatchIsRead) {
+    CSamples& samples = Example();
+    ASSERT_GT(samples.GetSamplesCount(), 0);
+    for (int s = 0; s < samples.GetSamplesCount(); ++s) {
+        SCOPED_TRACE("sample " + std::to_string(s + 1));
+        CSampleData& sample = *samples.GetSample(s);
+        EXPECT_GT(sample.GetAreaTotal(true, MS_TRACE), 0.0);
+        int withShare = 0;
+        for (int i = 0; i < sample.GetExpectedMetaboliteCount(); ++i) {
+            const CMetaboliteData& metabolite = *sample.GetMetabolite(i);
+            if (!metabolite.GetFound() || metabolite.IsHiEnergy() || metabolite.GetPeakNum() < 1)
+                continue;
+            EXPECT_GT(metabolite.GetRelativePeakArea(), 0.0) << i;
+            EXPECT_LE(metabolite.GetRelativePeakArea(), 100.0) << i;
+            ++withShare;
+        }
+        EXPECT_GT(withShare, 0);
     }
 }
 

@@ -1,4 +1,4 @@
-#include <quillon/platform/Formula.h>
+#include <quillon/chemistry/Formula.h>
 
 #include <gtest/gtest.h>
 
@@ -49,7 +49,7 @@ TEST(FormulaTest, GroupsMultipliersAndBlanksGiveTheSameCounts) {
 
 TEST(FormulaTest, UnparsableTextIsAnErrorNeverAPartialMass) {
     for (const char* text : {"", "   ", "C6H12O6)", "(CH3", "C2(H", "()", "c6", "Xy2", "Co",
-                             "C6H12O6!", "C6-H", "(CH2]2", "C999999", "C0H0"}) {
+                             "C6H12O6!", "C6-H", "(CH2]2", "C99999999", "(C100000)101", "C0H0"}) {
         SCOPED_TRACE(text);
         EXPECT_THROW(CFormula::Parse(text), CFormulaError);
         CFormula untouched = CFormula::Parse("H2O");
@@ -58,6 +58,16 @@ TEST(FormulaTest, UnparsableTextIsAnErrorNeverAPartialMass) {
         EXPECT_FALSE(reason.empty());
         EXPECT_EQ(untouched, CFormula::Parse("H2O"));
     }
+
+    // Brackets nested past the limit fail cleanly instead of exhausting the stack.
+    const std::string deep = std::string(40000, '(') + "C" + std::string(40000, ')');
+    EXPECT_THROW(CFormula::Parse(deep), CFormulaError);
+    EXPECT_EQ(CFormula::Parse(std::string(64, '(') + "C" + std::string(64, ')')).Count("C"), 1);
+
+    // What a group multiplies up to prints as a text that parses back.
+    const CFormula large = CFormula::Parse("(C100000)100");
+    EXPECT_EQ(large.ToString(), "C10000000");
+    EXPECT_EQ(CFormula::Parse(large.ToString()), large);
 }
 
 TEST(FormulaTest, HillOrderTextAndArithmetic) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <quillon/platform/Formula.h>
+#include <quillon/chemistry/Formula.h>
 
 #include <vector>
 
@@ -20,9 +20,13 @@ class CIsotopeModel {
 public:
     // Peaks weaker than this percentage of the most abundant peak are left out by default.
     static constexpr double kDefaultPruneBelow = 0.01;
+    // The most atoms a modelled formula may hold. Far beyond any molecule a report describes, it
+    // bounds the work: 100,000 selenium atoms, a cluster of thousands of nominal masses, take
+    // about a tenth of a second; the parser's largest formulas would take minutes.
+    static constexpr long long kMaxAtoms = 100000;
 
-    // Computes the cluster of a neutral formula. Throws CFormulaError for an empty formula or one
-    // with a negative count.
+    // Computes the cluster of a neutral formula. Throws CFormulaError for an empty formula, one
+    // with a negative count or one of more than kMaxAtoms atoms.
     explicit CIsotopeModel(const CFormula& formula, double pruneBelowPercent = kDefaultPruneBelow);
 
     // The kept peaks in ascending mass; the most abundant has relative intensity 100.

@@ -1,6 +1,7 @@
-#include <quillon/platform/IsotopeModel.h>
+#include <quillon/chemistry/IsotopeModel.h>
 
 #include <algorithm>
+#include <string>
 
 namespace quillon {
 
@@ -93,6 +94,13 @@ CIsotopeModel::CIsotopeModel(const CFormula& formula, double pruneBelowPercent) 
     if (!formula.IsNonNegative()) {
         throw CFormulaError("isotope model of a formula with a negative count: " +
                             formula.ToString());
+    }
+    long long atoms = 0;
+    for (int count : formula.Counts())
+        atoms += count;
+    if (atoms > kMaxAtoms) {
+        throw CFormulaError("isotope model of a formula of more than " + std::to_string(kMaxAtoms) +
+                            " atoms: " + formula.ToString());
     }
     std::span<const ElementData> elements = CElements::All();
     NominalDistribution cluster;

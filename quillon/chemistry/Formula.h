@@ -1,6 +1,6 @@
 #pragma once
 
-#include <quillon/platform/Elements.h>
+#include <quillon/chemistry/Elements.h>
 
 #include <stdexcept>
 #include <string>
@@ -24,7 +24,9 @@ public:
 
     // Parses element symbols with optional counts, parenthesised (or bracketed) groups with an
     // optional multiplier, and ignores blanks: "C6H12O6", "(CH3)2 N(CH2)3". Throws CFormulaError
-    // for an unknown symbol, an unbalanced bracket, a stray character or an empty formula.
+    // for an unknown symbol, an unbalanced bracket, a stray character, an empty formula, a count
+    // (literal, multiplier or an element's total) above 10,000,000 or brackets nested more than
+    // 64 deep. The text ToString gives of a parsed formula always parses back to it.
     static CFormula Parse(std::string_view text);
 
     // The same without throwing: false (and the reason in error when given) when the text cannot

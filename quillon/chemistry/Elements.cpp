@@ -1,4 +1,4 @@
-#include <quillon/platform/Elements.h>
+#include <quillon/chemistry/Elements.h>
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include <quillon/platform/Formula.h>
+#include <quillon/chemistry/Formula.h>
 
 #include <algorithm>
 #include <cctype>
@@ -8,9 +8,12 @@ namespace quillon {
 
 namespace {
 
-// No formula of this system comes near these; they keep products of counts within int.
-constexpr long long kMaxMultiplier = 100000;
+// One limit for every count: a literal count, a group's multiplier and an element's total. No
+// formula of this system comes near it, products of two counts stay within long long, and every
+// formula the parser accepts prints as a text it accepts again.
 constexpr long long kMaxCount = 10000000;
+// How deeply brackets may nest; deeper text is refused rather than recursed into.
+constexpr int kMaxDepth = 64;
 
 // A recursive-descent parser over the text with its blanks removed.
 class FormulaParser {
@@ -54,7 +57,11 @@ private:
             if (ch == '(' || ch == '[') {
                 const char close = ch == '(' ? ')' : ']';
                 const size_t open = m_pos++;
+                if (++m_depth > kMaxDepth) {
+                    Fail("brackets nested too deeply");
+                }
                 std::vector<long long> inner = ParseSequence();
+                --m_depth;
                 if (m_pos < m_text.size() && m_text[m_pos] != ')' && m_text[m_pos] != ']') {
                     Fail("unexpected character");
                 }
@@ -98,7 +105,7 @@ private:
         long long value = 0;
         while (m_pos < m_text.size() && std::isdigit(static_cast<unsigned char>(m_text[m_pos]))) {
             value = value * 10 + (m_text[m_pos++] - '0');
-            if (value > kMaxMultiplier) {
+            if (value > kMaxCount) {
                 Fail("count too large");
             }
         }
@@ -126,6 +133,7 @@ private:
 
     std::string m_text;
     size_t m_pos = 0;
+    int m_depth = 0;
 };
 
 } // namespace

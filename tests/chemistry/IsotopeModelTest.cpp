@@ -1,4 +1,4 @@
-#include <quillon/platform/IsotopeModel.h>
+#include <quillon/chemistry/IsotopeModel.h>
 
 #include <gtest/gtest.h>
 
@@ -100,6 +100,8 @@ TEST(IsotopeModelTest, PruningShiftingAndInvalidFormulae) {
 
     EXPECT_THROW(CIsotopeModel{CFormula{}}, CFormulaError);
     EXPECT_THROW(CIsotopeModel(CFormula::Parse("CH2") - CFormula::Parse("CH4")), CFormulaError);
+    // A formula the parser accepts but no molecule comes near is refused, not modelled for minutes.
+    EXPECT_THROW(CIsotopeModel(CFormula::Parse("(Fe100000Se100000)100")), CFormulaError);
 }
 
 } // namespace

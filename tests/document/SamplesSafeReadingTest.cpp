@@ -1,0 +1,102 @@
+// Reports that once lost samples silently or stalled the reader.
+#include <quillon/document/Samples.h>
+#include <quillon/file/DelimitFile.h>
+#include <quillon/platform/FileException.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+std::string Sample(int number, const std::string& header = "[SAMPLE]") {
+    return header + "\n{\nSample\t" + std::to_string(number) + "\n}\n";
+}
+
+std::vector<int> Numbers(CSamples& samples) {
+    std::vector<int> numbers;
+    for (int i = 0; i < samples.GetSamplesCount(); ++i)
+        numbers.push_back(samples.GetSample(i)->GetNumber());
+    return numbers;
+}
+
+} // namespace
+
+// A header the reader takes as a sample ("[SAMPLE] " with a trailing blank) is a sample for the
+// writer too: the duplicate is dropped and every good sample kept, in the file as in memory.
+TEST(SamplesSafeReading, ReaderAndWriterAgreeOnSampleHeaders) {
+    TempFile input("in.txt");
+    input.Write(Sample(1) + Sample(2, "[SAMPLE] ") + Sample(3, "[SAMPLE]\tnote"));
+    CSamples samples;
+    ASSERT_EQ(samples.Read(input.c_str()), 1);
+    ASSERT_EQ(Numbers(samples), (std::vector<int>{1, 2, 3}));
+    samples.GetSample(1)->IsDuplicate(true);
+    TempFile output("out.txt");
+    {
+        CDelimitFile in(input.c_str(), CFile::modeRead);
+        CDelimitFile out(output.c_str(), CFile::modeWrite | CFile::modeCreate);
+        ASSERT_EQ(samples.Write(&in, &out), 1);
+    }
+    EXPECT_EQ(Numbers(samples), (std::vector<int>{1, 3}));
+    CSamples written;
+    ASSERT_EQ(written.Read(output.c_str()), 1);
+    EXPECT_EQ(Numbers(written), (std::vector<int>{1, 3}));
+}
+
+// Sections this library does not know, stray blocks and stray closing braces at the top level
+// are passed over; every sample is read.
+TEST(SamplesSafeReading, UnknownTopLevelSectionsDoNotEndTheReading) {
+    TempFile file;
+    file.Write("[HISTORY]\n{\nline\n[NESTED]\n{\n[SAMPLE]\n}\n}\n" + Sample(1) +
+               "{\nstray\n}\n}\n}\n" + Sample(2) + "[NO BLOCK]\n" + Sample(3));
+    CSamples samples;
+    ASSERT_EQ(samples.Read(file.c_str()), 1);
+    EXPECT_EQ(Numbers(samples), (std::vector<int>{1, 2, 3}));
+}
+
+// Only regular files are read: a pipe without a writer, a device or a folder fail at once with
+// a clear reason instead of blocking or growing one endless line.
+TEST(SamplesSafeReading, OnlyRegularFilesAreOpened) {
+    TempFile file("pipe");
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    CSamples samples;
+    EXPECT_EQ(samples.Read(file.c_str()), 0);
+    EXPECT_EQ(samples.Read("/dev/zero"), 0);
+    EXPECT_EQ(samples.Read(file.Folder().c_str()), 0);
+    try {
+        CDelimitFile device("/dev/zero", CFile::modeRead);
+        FAIL() << "a device was opened";
+    } catch (const CFileException& error) {
+        EXPECT_NE(std::string(error.what()).find("not a regular file"), std::string::npos);
+    }
+}
+
+// A sample's section starts where its header line starts, whatever the line ends.
+TEST(SamplesSafeReading, SectionStartsAreExactWithWindowsLineEnds) {
+    for (const std::string lineEnd : {"\n", "\r\n"}) {
+        std::string report = ";batch\n" + Sample(1) + Sample(2);
+        std::string text;
+        for (char ch : report)
+            text += ch == '\n' ? lineEnd : std::string(1, ch);
+        TempFile file;
+        file.Write(text);
+        CSamples samples;
+        ASSERT_EQ(samples.Read(file.c_str()), 1);
+        ASSERT_EQ(samples.GetSamplesCount(), 2);
+        for (int i = 0; i < 2; ++i) {
+            const unsigned long start = samples.GetSample(i)->GetFilePosStart();
+            ASSERT_LT(start, text.size());
+            EXPECT_EQ(text.compare(start, 9, "[SAMPLE]" + lineEnd.substr(0, 1)), 0)
+                << "line end " << lineEnd.size() << ", sample " << i;
+        }
+    }
+}
