@@ -24,6 +24,7 @@ namespace {
 enum TopLevelSection { kSampleSection = 0, kSampleAppendSection = 1 };
 
 constexpr std::string_view kSampleSectionName = "SAMPLE";
+constexpr std::string_view kSampleAppendSectionName = "SAMPLE_APPEND";
 constexpr const char kReadingErrorTitle[] = "Hollbeck Browser";
 constexpr const char kReadingErrorText[] = "Error reading sample";
 // Longest exception text shown, terminator included.
@@ -55,7 +56,8 @@ CString ParentName(const CDelimitFile& file) {
 } // namespace
 
 CSamples::CSamples(const CSamples& source)
-    : CObject(source), m_Samples(source.m_Samples), m_pParams(source.m_pParams) {
+    : CObject(source), m_Samples(source.m_Samples), m_pParams(source.m_pParams),
+      m_SampleStarts(source.m_SampleStarts) {
     RelinkControls(source.ControlIndices(), [](int index) { return index; });
 }
 
@@ -63,6 +65,7 @@ CSamples& CSamples::operator=(const CSamples& source) {
     if (this != &source) {
         m_Samples = source.m_Samples;
         m_pParams = source.m_pParams;
+        m_SampleStarts = source.m_SampleStarts;
         RelinkControls(source.ControlIndices(), [](int index) { return index; });
     }
     return *this;
@@ -98,6 +101,7 @@ int CSamples::Read(CDelimitFile* file) {
         if (!ReadSampleRecord(file, sample))
             return;
         sample.SetFileEntry(GetSamplesCount() + static_cast<int>(read.size()));
+        m_SampleStarts.push_back(static_cast<int64_t>(sample.GetFilePosStart()));
         const int index = GetSamplesCount() + static_cast<int>(read.size());
         if (last < 0 || sample.GetNumber() >= sampleAt(last).GetNumber())
             last = index;
@@ -128,6 +132,7 @@ int CSamples::Read(CDelimitFile* file) {
             ReportReadingError(nullptr);
         }
     }
+    std::sort(m_SampleStarts.begin(), m_SampleStarts.end());
     AddSamplesInOrder(std::move(read));
     SetControlSamples();
     for (CSampleData& sample : m_Samples)
@@ -252,6 +257,7 @@ int CSamples::AddSample(CSampleData&& sample) {
 
 void CSamples::DeleteAll() {
     m_Samples.RemoveAll();
+    m_SampleStarts.clear();
 }
 
 CSampleData* CSamples::GetSample(int index) {
@@ -343,6 +349,8 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     CString line;
     std::string_view section;
     bool lineEndSet = false;
+    // Where the sample headers go in the new file: the starts the next write goes by.
+    std::vector<int64_t> writtenStarts;
     while (in->ReadString(line)) {
         if (!lineEndSet) {
             // The copy keeps the line ends of the file it copies.
@@ -356,8 +364,19 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             out->WriteRecord(line);
             continue;
         }
-        if (section == kSampleSectionName)
-            ++sampleCounter;
+        bool startsSample = false;
+        if (section == kSampleSectionName || section == kSampleAppendSectionName) {
+            startsSample = StartsSample(*in);
+            if (startsSample)
+                ++sampleCounter;
+            else if (section == kSampleSectionName && !m_SampleStarts.empty()) {
+                // A header the reader did not take for a sample of its own (it came inside
+                // another sample's section, inside a stray block, or began a sample that could
+                // not be read): copied like any other line of the section it stands in.
+                out->WriteRecord(line);
+                continue;
+            }
+        }
         if (sampleCounter > GetSamplesCount() - 1) {
             // A sample the collection does not hold: its section is not written.
             in->SkipToNextSection();
@@ -373,6 +392,8 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             out->WriteSectionHeader("MOLFILE LIST");
             CopyMolfileList(in, out, parentToReplace, outputParent);
         } else {
+            if (startsSample)
+                writtenStarts.push_back(out->GetPosition());
             out->WriteRecord(line);
         }
         in->UpdateStatus();
@@ -390,7 +411,16 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             out->SetLength(end);
     }
     RemoveDuplicates();
+    if (!m_SampleStarts.empty())
+        m_SampleStarts = std::move(writtenStarts);
     return 1;
+}
+
+bool CSamples::StartsSample(CDelimitFile& in) const {
+    if (m_SampleStarts.empty())
+        return true; // samples not read from a file: every "[SAMPLE]" counts
+    const int64_t start = in.GetPosition() - in.GetLastLineLength();
+    return std::binary_search(m_SampleStarts.begin(), m_SampleStarts.end(), start);
 }
 
 bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sample,

@@ -129,8 +129,16 @@ private:
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 
+    // True when the header line just read from in is one the reader started a sample with (by
+    // its position); always true for a collection not read from a file.
+    bool StartsSample(CDelimitFile& in) const;
+
     CArray<CSampleData> m_Samples;
     CDivBroParams* m_pParams = nullptr;
+    // Where the header of each sample read from a file starts, ascending: the writer counts only
+    // these headers as samples, so that it cuts the file where the reader did; after a write,
+    // where they start in the file written.
+    std::vector<int64_t> m_SampleStarts;
 };
 
 } // namespace quillon
