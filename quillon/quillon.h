@@ -9,6 +9,7 @@
 #include <quillon/platform/FileException.h>
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/NumberConversion.h>
+#include <quillon/platform/Numbers.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
 #include <quillon/platform/ProcessInfo.h>

@@ -1,6 +1,7 @@
 #include <quillon/companions/TarnwickIniInterface.h>
 #include <quillon/platform/HostHooks.h>
 
+#include <quillon/platform/Numbers.h>
 #include <quillon/platform/ProfileFile.h>
 
 #include <algorithm>
@@ -36,7 +37,18 @@ CCompoundData ParseLoss(const CString& value) {
     int selectedFlag = 0;
     int nameLength = 0;
     int formulaLength = 0;
-    std::sscanf(value.c_str(), "%lf,%d,%d,%d", &mass, &selectedFlag, &nameLength, &formulaLength);
+    // "mass,selected,name length,formula length,...": each number read in turn until one is
+    // missing or not followed by its comma.
+    std::string_view rest = value.view();
+    size_t used = 0;
+    mass = ParseDouble(rest, used);
+    int* const counts[] = {&selectedFlag, &nameLength, &formulaLength};
+    for (int* count : counts) {
+        if (used == 0 || used >= rest.size() || rest[used] != ',')
+            break;
+        rest.remove_prefix(used + 1);
+        *count = ParseInt(rest, used);
+    }
 
     const long long nameStart =
         static_cast<long long>(value.GetLength()) - nameLength - formulaLength - 1;

@@ -2,6 +2,7 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 #include <type_traits>
@@ -305,7 +306,7 @@ void CSampleData::Empty() {
 }
 
 void CSampleData::SetNumber(const CString& number) {
-    m_nNumber = std::atoi(number);
+    m_nNumber = ParseInt(number);
 }
 
 int CSampleData::GetWell(CString& well) const {
@@ -314,7 +315,7 @@ int CSampleData::GetWell(CString& well) const {
 }
 
 int CSampleData::GetWell() const {
-    return std::atoi(m_strWell);
+    return ParseInt(m_strWell);
 }
 
 int CSampleData::GetPlateDescription(CString& plate) const {
@@ -323,19 +324,19 @@ int CSampleData::GetPlateDescription(CString& plate) const {
 }
 
 float CSampleData::GetSubjectTime() const {
-    return static_cast<float>(std::atof(m_strSubjectTime));
+    return static_cast<float>(ParseDouble(m_strSubjectTime));
 }
 
 void CSampleData::SetConcentration(const CString& concentration) {
-    m_dConcentration = std::atof(concentration);
+    m_dConcentration = ParseDouble(concentration);
 }
 
 void CSampleData::SetLockSprayEnabled(const CString& enabled) {
-    m_bLockSprayEnabled = std::atoi(enabled) != 0;
+    m_bLockSprayEnabled = ParseInt(enabled) != 0;
 }
 
 void CSampleData::SetMUXEnabled(const CString& enabled) {
-    m_bMUXEnabled = std::atoi(enabled) != 0;
+    m_bMUXEnabled = ParseInt(enabled) != 0;
 }
 
 CCompoundData* CSampleData::GetCompound(int index) {
@@ -374,7 +375,7 @@ int CSampleData::ReadCompound(CDelimitFile* file) {
 
 int CSampleData::CompoundNewField(const CStringArray& row) {
     const int count = row.GetSize();
-    m_Compounds.Add(CCompoundData(count > 0 ? std::atof(row[0]) : 0.0,
+    m_Compounds.Add(CCompoundData(count > 0 ? ParseDouble(row[0]) : 0.0,
                                   count > 1 ? row[1] : CString(), count > 2 ? row[2] : CString()));
     return 1;
 }
@@ -394,9 +395,9 @@ int CSampleData::ReadMDF(CDelimitFile* file) {
 
 int CSampleData::MDFNewField(const CStringArray& row) {
     if (row.GetSize() == 1)
-        m_MDFMasses.Add(std::atof(row[0]));
+        m_MDFMasses.Add(ParseDouble(row[0]));
     else if (row.GetSize() >= 2)
-        m_MDFParams.Add(std::atof(row[1]));
+        m_MDFParams.Add(ParseDouble(row[1]));
     return 1;
 }
 

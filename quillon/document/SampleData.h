@@ -55,7 +55,7 @@ public:
     void GetFileName(CString& name) const { name = m_strFileName; }
     void SetFileName(const CString& name) { m_strFileName = name; }
     int GetWell(CString& well) const;
-    int GetWell() const; // the well as an integer (atoi rules)
+    int GetWell() const; // the well as an integer (C rules, any locale)
     void SetWell(const CString& well) { m_strWell = well; }
     int GetPlateDescription(CString& plate) const;
     void SetPlateDescription(const CString& plate) { m_strPlateDescription = plate; }
@@ -79,7 +79,7 @@ public:
     void GetInjectionVolume(CString& volume) const { volume = m_strInjectionVolume; }
     void SetInjectionVolume(const CString& volume) { m_strInjectionVolume = volume; }
     void GetSubjectTime(CString& time) const { time = m_strSubjectTime; }
-    float GetSubjectTime() const; // the subject time as a number (atof rules)
+    float GetSubjectTime() const; // the subject time as a number (C rules, any locale)
     void SetSubjectTime(const CString& time) { m_strSubjectTime = time; }
     void GetSubjectText(CString& text) const { text = m_strSubjectText; }
     const char* GetSubjectText() const { return m_strSubjectText; }

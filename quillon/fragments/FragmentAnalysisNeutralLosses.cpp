@@ -3,6 +3,7 @@
 #include <quillon/companions/TarnwickIniInterface.h>
 #include <quillon/fragments/AnalysisSupport.h>
 #include <quillon/fragments/FragmentAnalysis.h>
+#include <quillon/platform/Numbers.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -194,7 +195,7 @@ int CFragmentAnalysis::GetParentSpectrumCNLs(CSampleData* sample, int tag,
             const double difference = masses[j] - masses[i];
             CString text;
             text.Format("%.0f", difference);
-            const int nominal = std::atoi(text.c_str());
+            const int nominal = ParseInt(text.c_str());
             if (byNominal.count(nominal) != 0)
                 continue;
             NeutralLossEntry entry;
