@@ -345,6 +345,7 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section, from 1: the
     // n-th holds the candidates of the n-th metabolite after the expected ones.
     int elementalCounter = 0;
+    int writtenGroups = 0;
     bool duplicatesDropped = false;
     CString line;
     std::string_view section;
@@ -367,9 +368,10 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
         bool startsSample = false;
         if (section == kSampleSectionName || section == kSampleAppendSectionName) {
             startsSample = StartsSample(*in);
-            if (startsSample)
+            if (startsSample) {
                 ++sampleCounter;
-            else if (section == kSampleSectionName && !m_SampleStarts.empty()) {
+                writtenGroups = 0;
+            } else if (section == kSampleSectionName && !m_SampleStarts.empty()) {
                 // A header the reader did not take for a sample of its own (it came inside
                 // another sample's section, inside a stray block, or began a sample that could
                 // not be read): copied like any other line of the section it stands in.
@@ -385,8 +387,8 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
                    sample != nullptr && sample->IsDuplicate()) {
             in->MoveToNextSection();
             duplicatesDropped = true;
-        } else if (sample != nullptr &&
-                   WriteMetaboliteSection(section, *sample, elementalCounter, in, out)) {
+        } else if (sample != nullptr && WriteMetaboliteSection(section, *sample, elementalCounter,
+                                                               writtenGroups, in, out)) {
             // Written from memory in place of the old block.
         } else if (section == "MOLFILE LIST") {
             out->WriteSectionHeader("MOLFILE LIST");
@@ -424,20 +426,33 @@ bool CSamples::StartsSample(CDelimitFile& in) const {
 }
 
 bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sample,
-                                      int& elementalCounter, CDelimitFile* in, CDelimitFile* out) {
+                                      int& elementalCounter, int& writtenGroups, CDelimitFile* in,
+                                      CDelimitFile* out) {
+    enum { kExpected = 1, kUnexpected = 2, kCorrelation = 4 };
+    const auto firstOfGroup = [&writtenGroups](int group) {
+        const bool first = (writtenGroups & group) == 0;
+        writtenGroups |= group;
+        return first;
+    };
     if (section == "EXPECTED METABOLITES") {
-        out->WriteSectionHeader("EXPECTED METABOLITES");
-        sample.WriteMSMetabolites(out, true);
+        if (firstOfGroup(kExpected)) {
+            out->WriteSectionHeader("EXPECTED METABOLITES");
+            sample.WriteMSMetabolites(out, true);
+        }
     } else if (section == "UNEXPECTED METABOLITES") {
-        out->WriteSectionHeader("UNEXPECTED METABOLITES");
-        sample.WriteMSMetabolites(out, false);
+        if (firstOfGroup(kUnexpected)) {
+            out->WriteSectionHeader("UNEXPECTED METABOLITES");
+            sample.WriteMSMetabolites(out, false);
+        }
         elementalCounter = 0;
     } else if (section == "ELEMENTAL") {
         out->WriteSectionHeader("ELEMENTAL");
         sample.WriteElementalComposition(out, ++elementalCounter);
     } else if (section == "MSMS CORRELATION") {
-        out->WriteSectionHeader("MSMS CORRELATION");
-        sample.WriteMSMSMetabolites(out);
+        if (firstOfGroup(kCorrelation)) {
+            out->WriteSectionHeader("MSMS CORRELATION");
+            sample.WriteMSMSMetabolites(out);
+        }
     } else {
         return false;
     }

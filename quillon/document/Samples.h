@@ -121,9 +121,13 @@ private:
     void AddSamplesInOrder(std::vector<CSampleData>&& added);
     // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
     // of the input's block; false for any other section. The elemental counter numbers the
-    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1.
+    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1. Each of the three
+    // metabolite groups is written whole at its sample's first section of that kind: a later
+    // section of the same kind in the same sample (written, a bit per group, in writtenGroups) is
+    // dropped with its block, since the reader put its metabolites into the group already written.
     static bool WriteMetaboliteSection(std::string_view section, CSampleData& sample,
-                                       int& elementalCounter, CDelimitFile* in, CDelimitFile* out);
+                                       int& elementalCounter, int& writtenGroups, CDelimitFile* in,
+                                       CDelimitFile* out);
     // Copies the molfile list's lines up to and including the line that closes its block,
     // replacing the first occurrence of from by to in each line when from is not empty.
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
