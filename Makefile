@@ -1,7 +1,7 @@
 # Entry points for people and CI. Everything goes through the CMake presets.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build test sanitize fuzz format-check bench clean
+.PHONY: all deps build test sanitize fuzz format-check bench demo clean
 
 all: build
 
@@ -39,6 +39,10 @@ bench: deps
 	cmake --preset bench
 	cmake --build --preset bench -j $(JOBS)
 	@for b in build/bench/bench/quillon_*_bench; do [ -x "$$b" ] && "$$b"; done
+
+# The main job on the bundled example batch: every file under build/demo/.
+demo: build
+	@bash scripts/demo.sh build/dev/tools/quillon/quillon examples/Chlorpromazine_HLM_batch.txt build/demo
 
 clean:
 	rm -rf build
