@@ -1,7 +1,7 @@
 # Entry points for people and CI. Everything goes through the CMake presets.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build test sanitize format-check bench demo clean
+.PHONY: all deps build test sanitize fuzz format-check bench demo clean
 
 all: build
 
@@ -21,6 +21,15 @@ sanitize: deps
 	cmake --preset sanitize
 	cmake --build --preset sanitize -j $(JOBS)
 	ctest --preset sanitize -j $(JOBS)
+
+# Every fuzz target for FUZZ_SECONDS (default 60) each, FUZZ_JOBS (default 1) at a time, under
+# both sanitizers (Clang, libFuzzer).
+FUZZ_SECONDS ?= 60
+FUZZ_JOBS ?= 1
+fuzz: deps
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	FUZZ_SECONDS=$(FUZZ_SECONDS) FUZZ_JOBS=$(FUZZ_JOBS) bash scripts/run-fuzzers.sh
 
 # Fails when a source of the project is not formatted with the repository's .clang-format.
 format-check: deps

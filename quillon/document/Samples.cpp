@@ -24,6 +24,7 @@ namespace {
 enum TopLevelSection { kSampleSection = 0, kSampleAppendSection = 1 };
 
 constexpr std::string_view kSampleSectionName = "SAMPLE";
+constexpr std::string_view kSampleAppendSectionName = "SAMPLE_APPEND";
 constexpr const char kReadingErrorTitle[] = "Hollbeck Browser";
 constexpr const char kReadingErrorText[] = "Error reading sample";
 // Longest exception text shown, terminator included.
@@ -55,7 +56,8 @@ CString ParentName(const CDelimitFile& file) {
 } // namespace
 
 CSamples::CSamples(const CSamples& source)
-    : CObject(source), m_Samples(source.m_Samples), m_pParams(source.m_pParams) {
+    : CObject(source), m_Samples(source.m_Samples), m_pParams(source.m_pParams),
+      m_SampleStarts(source.m_SampleStarts) {
     RelinkControls(source.ControlIndices(), [](int index) { return index; });
 }
 
@@ -63,6 +65,7 @@ CSamples& CSamples::operator=(const CSamples& source) {
     if (this != &source) {
         m_Samples = source.m_Samples;
         m_pParams = source.m_pParams;
+        m_SampleStarts = source.m_SampleStarts;
         RelinkControls(source.ControlIndices(), [](int index) { return index; });
     }
     return *this;
@@ -98,6 +101,7 @@ int CSamples::Read(CDelimitFile* file) {
         if (!ReadSampleRecord(file, sample))
             return;
         sample.SetFileEntry(GetSamplesCount() + static_cast<int>(read.size()));
+        m_SampleStarts.push_back(static_cast<int64_t>(sample.GetFilePosStart()));
         const int index = GetSamplesCount() + static_cast<int>(read.size());
         if (last < 0 || sample.GetNumber() >= sampleAt(last).GetNumber())
             last = index;
@@ -128,6 +132,7 @@ int CSamples::Read(CDelimitFile* file) {
             ReportReadingError(nullptr);
         }
     }
+    std::sort(m_SampleStarts.begin(), m_SampleStarts.end());
     AddSamplesInOrder(std::move(read));
     SetControlSamples();
     for (CSampleData& sample : m_Samples)
@@ -252,6 +257,7 @@ int CSamples::AddSample(CSampleData&& sample) {
 
 void CSamples::DeleteAll() {
     m_Samples.RemoveAll();
+    m_SampleStarts.clear();
 }
 
 CSampleData* CSamples::GetSample(int index) {
@@ -390,10 +396,19 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section, from 1: the
     // n-th holds the candidates of the n-th metabolite after the expected ones.
     int elementalCounter = 0;
+    int writtenGroups = 0;
     bool duplicatesDropped = false;
     CString line;
     std::string_view section;
+    bool lineEndSet = false;
+    // Where the sample headers go in the new file: the starts the next write goes by.
+    std::vector<int64_t> writtenStarts;
     while (in->ReadString(line)) {
+        if (!lineEndSet) {
+            // The copy keeps the line ends of the file it copies.
+            out->SetLineEnd(in->GetLineEndRead());
+            lineEndSet = true;
+        }
         if (line.IsEmpty())
             continue;
         // Section headers are told by the same rule the reader goes by.
@@ -401,8 +416,20 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             out->WriteRecord(line);
             continue;
         }
-        if (section == kSampleSectionName)
-            ++sampleCounter;
+        bool startsSample = false;
+        if (section == kSampleSectionName || section == kSampleAppendSectionName) {
+            startsSample = StartsSample(*in);
+            if (startsSample) {
+                ++sampleCounter;
+                writtenGroups = 0;
+            } else if (section == kSampleSectionName && !m_SampleStarts.empty()) {
+                // A header the reader did not take for a sample of its own (it came inside
+                // another sample's section, inside a stray block, or began a sample that could
+                // not be read): copied like any other line of the section it stands in.
+                out->WriteRecord(line);
+                continue;
+            }
+        }
         if (sampleCounter > GetSamplesCount() - 1) {
             // A sample the collection does not hold: its section is not written.
             in->SkipToNextSection();
@@ -411,13 +438,15 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
                    sample != nullptr && sample->IsDuplicate()) {
             in->MoveToNextSection();
             duplicatesDropped = true;
-        } else if (sample != nullptr &&
-                   WriteMetaboliteSection(section, *sample, elementalCounter, in, out)) {
+        } else if (sample != nullptr && WriteMetaboliteSection(section, *sample, elementalCounter,
+                                                               writtenGroups, in, out)) {
             // Written from memory in place of the old block.
         } else if (section == "MOLFILE LIST") {
             out->WriteSectionHeader("MOLFILE LIST");
             CopyMolfileList(in, out, parentToReplace, outputParent);
         } else {
+            if (startsSample)
+                writtenStarts.push_back(out->GetPosition());
             out->WriteRecord(line);
         }
         in->UpdateStatus();
@@ -435,24 +464,46 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             out->SetLength(end);
     }
     RemoveDuplicates();
+    if (!m_SampleStarts.empty())
+        m_SampleStarts = std::move(writtenStarts);
     return 1;
 }
 
+bool CSamples::StartsSample(CDelimitFile& in) const {
+    if (m_SampleStarts.empty())
+        return true; // samples not read from a file: every "[SAMPLE]" counts
+    const int64_t start = in.GetPosition() - in.GetLastLineLength();
+    return std::binary_search(m_SampleStarts.begin(), m_SampleStarts.end(), start);
+}
+
 bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sample,
-                                      int& elementalCounter, CDelimitFile* in, CDelimitFile* out) {
+                                      int& elementalCounter, int& writtenGroups, CDelimitFile* in,
+                                      CDelimitFile* out) {
+    enum { kExpected = 1, kUnexpected = 2, kCorrelation = 4 };
+    const auto firstOfGroup = [&writtenGroups](int group) {
+        const bool first = (writtenGroups & group) == 0;
+        writtenGroups |= group;
+        return first;
+    };
     if (section == "EXPECTED METABOLITES") {
-        out->WriteSectionHeader("EXPECTED METABOLITES");
-        sample.WriteMSMetabolites(out, true);
+        if (firstOfGroup(kExpected)) {
+            out->WriteSectionHeader("EXPECTED METABOLITES");
+            sample.WriteMSMetabolites(out, true);
+        }
     } else if (section == "UNEXPECTED METABOLITES") {
-        out->WriteSectionHeader("UNEXPECTED METABOLITES");
-        sample.WriteMSMetabolites(out, false);
+        if (firstOfGroup(kUnexpected)) {
+            out->WriteSectionHeader("UNEXPECTED METABOLITES");
+            sample.WriteMSMetabolites(out, false);
+        }
         elementalCounter = 0;
     } else if (section == "ELEMENTAL") {
         out->WriteSectionHeader("ELEMENTAL");
         sample.WriteElementalComposition(out, ++elementalCounter);
     } else if (section == "MSMS CORRELATION") {
-        out->WriteSectionHeader("MSMS CORRELATION");
-        sample.WriteMSMSMetabolites(out);
+        if (firstOfGroup(kCorrelation)) {
+            out->WriteSectionHeader("MSMS CORRELATION");
+            sample.WriteMSMSMetabolites(out);
+        }
     } else {
         return false;
     }

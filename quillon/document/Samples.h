@@ -95,11 +95,11 @@ public:
                                           const MetabolicStabilityParameters& parameters);
 
     // Copies the report file the collection was read from (in, at its start) to out, line by
-    // line: empty lines are dropped, duplicate samples are left out with their blocks, the
-    // molfile list is copied with its parent names rewritten for the new file, and comment lines
-    // naming the program and the time are appended. When duplicates were dropped, a file rewritten
-    // in place is cut to what was written. Afterwards the duplicate samples are removed from memory
-    // too. Returns 0 when either file is missing, otherwise 1.
+    // line, with the line ends of in's first line: empty lines are dropped, duplicate samples are
+    // left out with their blocks, the molfile list is copied with its parent names rewritten for
+    // the new file, and comment lines naming the program and the time are appended. When duplicates
+    // were dropped, a file rewritten in place is cut to what was written. Afterwards the duplicate
+    // samples are removed from memory too. Returns 0 when either file is missing, otherwise 1.
     int Write(CDelimitFile* in, CDelimitFile* out);
 
 private:
@@ -126,16 +126,28 @@ private:
     void AddSamplesInOrder(std::vector<CSampleData>&& added);
     // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
     // of the input's block; false for any other section. The elemental counter numbers the
-    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1.
+    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1. Each of the three
+    // metabolite groups is written whole at its sample's first section of that kind: a later
+    // section of the same kind in the same sample (written, a bit per group, in writtenGroups) is
+    // dropped with its block, since the reader put its metabolites into the group already written.
     static bool WriteMetaboliteSection(std::string_view section, CSampleData& sample,
-                                       int& elementalCounter, CDelimitFile* in, CDelimitFile* out);
+                                       int& elementalCounter, int& writtenGroups, CDelimitFile* in,
+                                       CDelimitFile* out);
     // Copies the molfile list's lines up to and including the line that closes its block,
     // replacing the first occurrence of from by to in each line when from is not empty.
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 
+    // True when the header line just read from in is one the reader started a sample with (by
+    // its position); always true for a collection not read from a file.
+    bool StartsSample(CDelimitFile& in) const;
+
     CArray<CSampleData> m_Samples;
     CDivBroParams* m_pParams = nullptr;
+    // Where the header of each sample read from a file starts, ascending: the writer counts only
+    // these headers as samples, so that it cuts the file where the reader did; after a write,
+    // where they start in the file written.
+    std::vector<int64_t> m_SampleStarts;
 };
 
 } // namespace quillon

@@ -176,8 +176,14 @@ void CDelimitFile::MoveToNextSection() {
     } while (depth > 0);
 }
 
-void CDelimitFile::WriteLine(const char* text) {
-    WriteString(text);
+void CDelimitFile::WriteLine(const CString& text) {
+    if (text.view().find('\0') == std::string_view::npos) {
+        WriteString(text.c_str());
+    } else {
+        // A line of a damaged file may hold NUL bytes: they are written too, so that nothing
+        // after them is lost.
+        WriteBytes(text.view());
+    }
     WriteString(m_lineEnd);
 }
 

@@ -72,7 +72,10 @@ public:
     // Reads one line; when it opens a block, reads on to the line that closes that block.
     void MoveToNextSection();
 
-    // Writing: each writes one line followed by the line end.
+    // Writing: each writes one line followed by the line end ("\n" unless set otherwise; a copy
+    // of a file sets the line end that file was read with, GetLineEndRead).
+    void SetLineEnd(const char* lineEnd) { m_lineEnd = lineEnd; }
+    const CString& GetLineEnd() const { return m_lineEnd; }
     void WriteSectionHeader(const CString& name);
     void WriteComment(const CString& text);
     void WriteRecord(const CString& text);
@@ -104,7 +107,7 @@ private:
     // The kind of a line from its first field; for a marker line, the part of the field that
     // remains once the marker is stripped (for a header: its name) as an offset and a length.
     int ClassifyFirstField(std::string_view first, size_t& keepFrom, size_t& keepLength) const;
-    void WriteLine(const char* text);
+    void WriteLine(const CString& text);
     void WriteFormatted(const char* prefix, const char* format, va_list args);
 
     CString m_delimiters;

@@ -24,9 +24,11 @@ public:
     // when the file exists but cannot be read (nothing is held then).
     bool Load();
 
-    // Writes the lines to a temporary file beside the target and renames it over the target, so a
-    // crash leaves either the old file or the new one, never a mix. Creates a missing file. False,
-    // with the target untouched, when the target exists but is not writable or the write fails.
+    // Writes the lines to a temporary file beside the target, unique to this process, syncs it to
+    // the disk and renames it over the target, so that a crash or a second writer at any moment
+    // leaves either the old file or the new one whole, never a mix. Creates a missing file; keeps
+    // the permissions of an existing one. False, with the target byte for byte as it was, when the
+    // target exists but is not writable, its folder cannot take a new file, or the write fails.
     bool Save() const;
 
     // The value of key in section, without surrounding blanks and without one pair of enclosing
