@@ -507,7 +507,7 @@ bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sam
     } else {
         return false;
     }
-    in->MoveToNextSection();
+    in->SkipFollowingBlock();
     return true;
 }
 

@@ -176,6 +176,24 @@ void CDelimitFile::MoveToNextSection() {
     } while (depth > 0);
 }
 
+void CDelimitFile::SkipFollowingBlock() {
+    const int64_t before = GetPosition();
+    if (!ReadString(m_line))
+        return;
+    if (ClassifyLine(m_line.view()) != RECORD_BLOCK_START) {
+        Seek(before, CFile::begin);
+        return;
+    }
+    int depth = 1;
+    while (depth > 0 && ReadString(m_line)) {
+        const int type = ClassifyLine(m_line.view());
+        if (type == RECORD_BLOCK_START)
+            ++depth;
+        else if (type == RECORD_BLOCK_END)
+            --depth;
+    }
+}
+
 void CDelimitFile::WriteLine(const CString& text) {
     if (text.view().find('\0') == std::string_view::npos) {
         WriteString(text.c_str());

@@ -71,6 +71,9 @@ public:
     void SkipToEndOfBlock();
     // Reads one line; when it opens a block, reads on to the line that closes that block.
     void MoveToNextSection();
+    // Passes over the block that follows, when the next line opens one; otherwise reads nothing,
+    // so a section without a block does not take the line after it along.
+    void SkipFollowingBlock();
 
     // Writing: each writes one line followed by the line end ("\n" unless set otherwise; a copy
     // of a file sets the line end that file was read with, GetLineEndRead).
