@@ -20,6 +20,17 @@
 using namespace quillon;
 using quillon::testing::TempFile;
 
+#if defined(__SANITIZE_ADDRESS__)
+#define QUILLON_ADDRESS_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QUILLON_ADDRESS_SANITIZER 1
+#endif
+#endif
+#ifndef QUILLON_ADDRESS_SANITIZER
+#define QUILLON_ADDRESS_SANITIZER 0
+#endif
+
 namespace {
 
 bool SameDouble(double a, double b) {
@@ -104,6 +115,11 @@ TEST(Numbers, AgreeWithTheCConversions) {
 // A host that sets a locale with a decimal comma reads and writes reports exactly as in the "C"
 // locale. (The locale is built for the test when the machine can; otherwise the test is skipped.)
 TEST(Numbers, ReportsReadAndWriteTheSameUnderADecimalCommaLocale) {
+#if QUILLON_ADDRESS_SANITIZER
+    // The C library keeps a block of every locale it loads, which LeakSanitizer reports as a
+    // leak at exit; the ordinary build runs this test.
+    GTEST_SKIP() << "loading a locale looks like a leak to LeakSanitizer";
+#endif
     TempFile plain("copy.txt");
     const std::string expected = RewrittenExample(plain);
 
