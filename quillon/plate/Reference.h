@@ -46,9 +46,9 @@ private:
     CPoint m_Point;
     int m_nNumber = 0;
     bool m_bMSMSPlate = false;
-    int m_nReserved1 = 0;
-    int m_nReserved2 = 0;
-    int m_nReserved3 = 0;
+    [[maybe_unused]] int m_nReserved1 = 0; // reserved, copied with the reference
+    [[maybe_unused]] int m_nReserved2 = 0; // reserved, copied with the reference
+    [[maybe_unused]] int m_nReserved3 = 0; // reserved, copied with the reference
 };
 
 } // namespace quillon

@@ -114,7 +114,8 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
                     ? 1.0
                     : std::max_element(chart.sticks.begin(), chart.sticks.end())->first -
                           std::min_element(chart.sticks.begin(), chart.sticks.end())->first;
-            for (const auto& [mass, intensity] : strongest) {
+            for (const auto& stick : strongest) {
+                const double mass = stick.first;
                 if (chart.labels.size() == 6)
                     break;
                 const bool crowded = std::any_of(chart.labels.begin(), chart.labels.end(),
@@ -122,7 +123,7 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
                                                      return std::abs(label.x - mass) < 0.08 * span;
                                                  });
                 if (!crowded)
-                    chart.labels.push_back({mass, intensity, Fixed(mass, 4)});
+                    chart.labels.push_back({mass, stick.second, Fixed(mass, 4)});
             }
         } else {
             const CChromatoData* found = sample.GetTrace(settings->trace);
