@@ -1,7 +1,7 @@
 # Entry points for people and CI. Everything goes through the CMake presets.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build test sanitize format-check bench demo clean
+.PHONY: all deps build test sanitize fuzz format-check bench demo clean
 
 all: build
 
@@ -22,20 +22,27 @@ sanitize: deps
 	cmake --build --preset sanitize -j $(JOBS)
 	ctest --preset sanitize -j $(JOBS)
 
+# Every fuzz target for FUZZ_SECONDS (default 60) each, FUZZ_JOBS (default 1) at a time, under
+# both sanitizers (Clang, libFuzzer).
+FUZZ_SECONDS ?= 60
+FUZZ_JOBS ?= 1
+fuzz: deps
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	FUZZ_SECONDS=$(FUZZ_SECONDS) FUZZ_JOBS=$(FUZZ_JOBS) bash scripts/run-fuzzers.sh
+
 # Fails when a source of the project is not formatted with the repository's .clang-format.
 format-check: deps
 	git ls-files -z -- '*.h' '*.cpp' | xargs -0 -r clang-format --dry-run --Werror
-
-# Builds the quillon tool and runs it on the example batch; every file goes under build/demo/.
-demo: deps
-	cmake --preset dev
-	cmake --build --preset dev -j $(JOBS) --target quillon-tool
-	@bash scripts/demo.sh build/dev/tools/quillon/quillon
 
 bench: deps
 	cmake --preset bench
 	cmake --build --preset bench -j $(JOBS)
 	@for b in build/bench/bench/quillon_*_bench; do [ -x "$$b" ] && "$$b"; done
+
+# The main job on the bundled example batch: every file under build/demo/.
+demo: build
+	@bash scripts/demo.sh build/dev/tools/quillon/quillon examples/Chlorpromazine_HLM_batch.txt build/demo
 
 clean:
 	rm -rf build

@@ -4,14 +4,12 @@
 
 #include <quillon/platform/Array.h>
 #include <quillon/platform/ChartSettings.h>
-#include <quillon/platform/Elements.h>
 #include <quillon/platform/Exception.h>
 #include <quillon/platform/File.h>
 #include <quillon/platform/FileException.h>
-#include <quillon/platform/Formula.h>
 #include <quillon/platform/HostHooks.h>
-#include <quillon/platform/IsotopeModel.h>
 #include <quillon/platform/NumberConversion.h>
+#include <quillon/platform/Numbers.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/Point.h>
 #include <quillon/platform/ProcessInfo.h>
@@ -20,6 +18,11 @@
 #include <quillon/platform/StdioFileS.h>
 #include <quillon/platform/String.h>
 #include <quillon/platform/Types.h>
+
+#include <quillon/chemistry/Elements.h>
+#include <quillon/chemistry/Formula.h>
+#include <quillon/chemistry/IsotopeModel.h>
+#include <quillon/chemistry/IsotopePatterns.h>
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
@@ -38,9 +41,19 @@
 #include <quillon/acquisition/SpectrumData.h>
 #include <quillon/acquisition/TraceType.h>
 
+#include <quillon/fragments/AnalysisSupport.h>
+#include <quillon/fragments/FragmentAnalysis.h>
+#include <quillon/fragments/FragmentList.h>
 #include <quillon/fragments/NeutralLossEntry.h>
 
+#include <quillon/companions/BroEntry.h>
+#include <quillon/companions/Molfile.h>
 #include <quillon/companions/TarnwickIniInterface.h>
+
+#include <quillon/plate/PlateDesc.h>
+#include <quillon/plate/PlateLayout.h>
+#include <quillon/plate/Reference.h>
+#include <quillon/plate/VialRef.h>
 
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/Compounds.h>
@@ -53,3 +66,6 @@
 
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
+
+#include <quillon/stability/FirstOrderFit.h>
+#include <quillon/stability/MetabolicStabilityInfo.h>

@@ -1,40 +1,26 @@
 #!/usr/bin/env bash
-# Runs the quillon tool's main job on the bundled example batch, writing every file under
-# build/demo/. Usage: scripts/demo.sh [path to the quillon executable]
+# Runs the quillon tool's main job on a report, writing every result under a folder.
+# Usage: demo.sh QUILLON REPORT FOLDER
 set -euo pipefail
-
-quillon=${1:-build/dev/tools/quillon/quillon}
-report=examples/Chlorpromazine_HLM_batch.txt
-out=build/demo
-sample=4
-
-rm -rf "$out"
+quillon=$1
+report=$2
+out=$3
 mkdir -p "$out"
-
-step() { printf '\n== %s\n' "$*"; }
-
-step "quillon info $report"
-"$quillon" info "$report" | tee "$out/info.txt"
-
-step "quillon metabolites $report --sample $sample --hide-high-energy"
-"$quillon" metabolites "$report" --sample "$sample" --hide-high-energy | tee "$out/metabolites.txt"
-"$quillon" metabolites "$report" --sample "$sample" --format csv -o "$out/metabolites.csv"
-
-step "quillon summary $report"
-"$quillon" summary "$report" | tee "$out/summary.txt"
-
-step "quillon plot: a trace and a spectrum of sample $sample"
-"$quillon" plot "$report" --sample "$sample" --trace 1 -o "$out/trace.svg"
-"$quillon" plot "$report" --sample "$sample" --spectrum 1 -o "$out/spectrum.svg"
-
-step "quillon export $report --format json"
-"$quillon" export "$report" --format json -o "$out/batch.json"
-"$quillon" export "$report" --format csv -o "$out/tables"
-
-step "quillon edit, then check of the edited copy"
-"$quillon" edit "$report" -o "$out/edited.txt" --sample "$sample" --metabolite 3 --confirm \
-    --label "N-desmethyl"
-"$quillon" check "$out/edited.txt"
-
-step "Files written under $out/"
-find "$out" -type f | sort | sed 's/^/  /'
+run() {
+    echo "\$ quillon $*"
+    "$quillon" "$@"
+}
+run info "$report"
+run metabolites "$report" --sample 4 -o "$out/metabolites-sample4.txt"
+run summary "$report" -o "$out/summary.txt"
+run fragments "$report" --sample 4 -o "$out/fragments-sample4.txt"
+run stability "$report" -o "$out/stability.txt" --plot "$out/stability.svg"
+run plot "$report" --sample 4 --trace 2 -o "$out/trace.svg"
+run plot "$report" --sample 4 --combined all -o "$out/combined.svg"
+run plot "$report" --sample 4 --spectrum 1 -o "$out/spectrum.svg"
+run export "$report" --format json -o "$out/model.json"
+run edit "$report" -o "$out/edited.txt" --sample 4 --metabolite 0 --unconfirm --label "reviewed"
+run check "$out/edited.txt"
+echo
+echo "Demo files in $out/:"
+ls -1 "$out" | sed 's/^/  /'

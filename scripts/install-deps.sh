@@ -3,8 +3,8 @@
 set -euo pipefail
 
 packages=(
-    cmake make g++ clang libclang-rt-14-dev clang-format
-    libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev pkg-config
+    cmake make g++ clang libclang-rt-14-dev libfuzzer-14-dev clang-format
+    libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev libxml2-utils python3
 )
 
 missing=()

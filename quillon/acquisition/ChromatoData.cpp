@@ -1,6 +1,7 @@
 #include <quillon/acquisition/ChromatoData.h>
 
 #include <quillon/platform/ChartSettings.h>
+#include <quillon/platform/Numbers.h>
 
 #include <algorithm>
 #include <cmath>
@@ -98,7 +99,7 @@ void CChromatoData::MoveFrom(CChromatoData& source) noexcept {
 }
 
 void CChromatoData::SetMaxintensity(const CString& text) {
-    m_MaxIntensity = static_cast<float>(std::atof(text));
+    m_MaxIntensity = static_cast<float>(ParseDouble(text));
 }
 
 void CChromatoData::SetCombinedTraceNumber(int traceNumber) {
@@ -115,7 +116,7 @@ bool CChromatoData::IsMassChromatogram() const {
         return false;
     // Mid clamps a start of 0 (no ":") to the whole description.
     const CString mass = m_Description.Mid(m_Description.ReverseFind(':') + 1);
-    return std::atoi(mass) > 0;
+    return ParseInt(mass) > 0;
 }
 
 void CChromatoData::GetCustomUnits(CString& units) const {
@@ -353,10 +354,10 @@ int CChromatoData::NewField(const CStringArray& input, int id) {
         SetMaxintensity(value);
         break;
     case kTraceNumber:
-        m_TraceNumber = std::atoi(value);
+        m_TraceNumber = ParseInt(value);
         break;
     case kTraceNumberInFunction:
-        m_TraceNumberInFunction = std::atoi(value);
+        m_TraceNumberInFunction = ParseInt(value);
         break;
     case kCustomChartParameters:
         m_CustomChartParams = value;
@@ -394,8 +395,8 @@ int CChromatoData::MSRead(CDelimitFile* file) {
 int CChromatoData::MSNewField(const CStringArray& input) {
     if (input.GetSize() < 2)
         return FALSE;
-    const float time = static_cast<float>(std::atof(input[0]));
-    float intensity = static_cast<float>(std::atof(input[1]));
+    const float time = static_cast<float>(ParseDouble(input[0]));
+    float intensity = static_cast<float>(ParseDouble(input[1]));
     if (m_UsesCustomChartParams)
         intensity = intensity * m_MaxIntensity * kPercent;
     return AddTimeIntensity(&time, &intensity, 1);

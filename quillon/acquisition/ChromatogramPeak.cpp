@@ -1,4 +1,5 @@
 #include <quillon/acquisition/ChromatogramPeak.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 
@@ -24,39 +25,39 @@ enum PeakField {
 } // namespace
 
 void CChromatogramPeak::SetPeakID(const CString& text) {
-    m_PeakID = std::atoi(text);
+    m_PeakID = ParseInt(text);
 }
 
 void CChromatogramPeak::SetPeakClusterID(const CString& text) {
-    m_PeakClusterID = std::atoi(text);
+    m_PeakClusterID = ParseInt(text);
 }
 
 void CChromatogramPeak::SetPeakRef(const CString& text) {
-    m_PeakRef = std::atoi(text);
+    m_PeakRef = ParseInt(text);
 }
 
 void CChromatogramPeak::SetTime(const CString& text) {
-    SetTime(std::atof(text));
+    SetTime(ParseDouble(text));
 }
 
 void CChromatogramPeak::SetAreaAbs(const CString& text) {
-    SetAreaAbs(std::atof(text));
+    SetAreaAbs(ParseDouble(text));
 }
 
 void CChromatogramPeak::SetRelativeArea(const CString& text) {
-    m_RelativeArea = std::atof(text);
+    m_RelativeArea = ParseDouble(text);
 }
 
 void CChromatogramPeak::SetAreaPercentTotal(const CString& text) {
-    m_AreaPercentTotal = static_cast<float>(std::atof(text));
+    m_AreaPercentTotal = static_cast<float>(ParseDouble(text));
 }
 
 void CChromatogramPeak::SetHeight(const CString& text) {
-    m_Height = static_cast<float>(std::atof(text));
+    m_Height = static_cast<float>(ParseDouble(text));
 }
 
 void CChromatogramPeak::SetWidth(const CString& text) {
-    m_Width = static_cast<float>(std::atof(text));
+    m_Width = static_cast<float>(ParseDouble(text));
 }
 
 void CChromatogramPeak::SetConfirmationTest(int result, const char* text) {
@@ -112,14 +113,14 @@ int CChromatogramPeak::NewField(const CStringArray& input, int id) {
         break;
     case kPeakExtentTimes:
         if (hasTwoValues) {
-            m_PeakExtent.SetStartTime(std::atof(input[1]));
-            m_PeakExtent.SetEndTime(std::atof(input[2]));
+            m_PeakExtent.SetStartTime(ParseDouble(input[1]));
+            m_PeakExtent.SetEndTime(ParseDouble(input[2]));
         }
         break;
     case kPeakExtentIntensities:
         if (hasTwoValues) {
-            m_PeakExtent.SetStartIntensity(static_cast<float>(std::atof(input[1])));
-            m_PeakExtent.SetEndIntensity(static_cast<float>(std::atof(input[2])));
+            m_PeakExtent.SetStartIntensity(static_cast<float>(ParseDouble(input[1])));
+            m_PeakExtent.SetEndIntensity(static_cast<float>(ParseDouble(input[2])));
         }
         break;
     case kAreaAbs:

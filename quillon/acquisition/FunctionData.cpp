@@ -3,6 +3,7 @@
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/platform/ChartSettings.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 #include <utility>
@@ -111,19 +112,19 @@ void CFunctionData::Initialise(const CFunctionData* source) {
 }
 
 void CFunctionData::SetConeVoltage(const CString& text) {
-    m_coneVoltage = std::atoi(text);
+    m_coneVoltage = ParseInt(text);
 }
 
 void CFunctionData::SetCollisionEnergy(const CString& text) {
-    m_collisionEnergy = std::atof(text);
+    m_collisionEnergy = ParseDouble(text);
 }
 
 void CFunctionData::SetScanCycleTime(const CString& text) {
-    m_scanCycleTime = std::atof(text);
+    m_scanCycleTime = ParseDouble(text);
 }
 
 void CFunctionData::SetInterScanDelay(const CString& text) {
-    m_interScanDelay = std::atof(text);
+    m_interScanDelay = ParseDouble(text);
 }
 
 int CFunctionData::AddSpectrum() {
@@ -200,8 +201,8 @@ int CFunctionData::GetFunctionRange(int& start, int& end) const {
     start = 0;
     end = 0;
     // A missing character gives position -1, and the text from position 0 is converted.
-    start = std::atoi(m_description.Mid(m_description.Find('(') + 1));
-    end = std::atoi(m_description.Mid(m_description.Find(':') + 1));
+    start = ParseInt(m_description.Mid(m_description.Find('(') + 1));
+    end = ParseInt(m_description.Mid(m_description.Find(':') + 1));
     return TRUE;
 }
 
@@ -250,7 +251,7 @@ int CFunctionData::NewField(const CStringArray& input, int id) {
     const CString& value = CFileRecord::FieldValue(input);
     switch (id) {
     case kFunction:
-        m_number = std::atoi(value);
+        m_number = ParseInt(value);
         break;
     case kIonMode:
         m_ionMode = value;
@@ -264,16 +265,16 @@ int CFunctionData::NewField(const CStringArray& input, int id) {
         SetTraceType();
         break;
     case kConeVoltage:
-        m_coneVoltage = std::atoi(value);
+        m_coneVoltage = ParseInt(value);
         break;
     case kCollisionEnergy:
-        m_collisionEnergy = std::atof(value);
+        m_collisionEnergy = ParseDouble(value);
         break;
     case kScanCycleTime:
-        m_scanCycleTime = std::atof(value);
+        m_scanCycleTime = ParseDouble(value);
         break;
     case kInterScanDelay:
-        m_interScanDelay = std::atof(value);
+        m_interScanDelay = ParseDouble(value);
         break;
     default:
         break;
@@ -357,7 +358,7 @@ int CFunctionData::ReadChromatogramAppend(CDelimitFile* file) {
     if (blockOpen) {
         const CStringArray& input = *lookup.GetInput();
         if (!input.IsEmpty())
-            traceNumber = std::atoi(input[input.GetUpperBound()]);
+            traceNumber = ParseInt(input[input.GetUpperBound()]);
     }
     CChromatoData* chromatogram = GetTrace(traceNumber);
     if (chromatogram == nullptr)

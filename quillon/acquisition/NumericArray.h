@@ -1,6 +1,7 @@
 #pragma once
 
 #include <quillon/platform/Array.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 #include <type_traits>
@@ -23,9 +24,9 @@ public:
 private:
     static T Convert(const char* text) {
         if constexpr (std::is_integral_v<T>)
-            return static_cast<T>(std::atoi(text));
+            return static_cast<T>(ParseInt(text));
         else
-            return static_cast<T>(std::atof(text));
+            return static_cast<T>(ParseDouble(text));
     }
 };
 

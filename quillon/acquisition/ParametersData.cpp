@@ -2,6 +2,7 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 
@@ -27,7 +28,7 @@ void AssignNumbers(CFloatArray& target, const CStringArray& input) {
     const int count = input.GetSize() - 1;
     target.SetSize(count);
     for (int i = 0; i < count; ++i)
-        target[i] = static_cast<float>(std::atof(input[i + 1]));
+        target[i] = static_cast<float>(ParseDouble(input[i + 1]));
 }
 
 } // namespace
@@ -62,13 +63,13 @@ int CParametersData::NewField(const CStringArray& input, int id) {
         m_strPeakFindMode = value;
         break;
     case kPeakFindWindow:
-        m_fPeakFindWindow = static_cast<float>(std::atof(value));
+        m_fPeakFindWindow = static_cast<float>(ParseDouble(value));
         break;
     case kSpectrumThresholdMode:
         m_strSpectrumThresholdMode = value;
         break;
     case kSpectrumThreshold:
-        m_fSpectrumThreshold = static_cast<float>(std::atof(value));
+        m_fSpectrumThreshold = static_cast<float>(ParseDouble(value));
         break;
     case kPositiveAdducts:
         AssignNumbers(m_PositiveAdducts, input);
@@ -77,10 +78,10 @@ int CParametersData::NewField(const CStringArray& input, int id) {
         AssignNumbers(m_NegativeAdducts, input);
         break;
     case kPeakFindThreshold:
-        m_fPeakFindThreshold = static_cast<float>(std::atof(value));
+        m_fPeakFindThreshold = static_cast<float>(ParseDouble(value));
         break;
     case kSigPeaks:
-        m_nSigPeaks = std::atoi(value);
+        m_nSigPeaks = ParseInt(value);
         break;
     default:
         return FALSE;

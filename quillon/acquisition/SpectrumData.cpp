@@ -4,6 +4,7 @@
 #include <quillon/file/FileRecord.h>
 #include <quillon/platform/ChartSettings.h>
 #include <quillon/platform/NumberConversion.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -139,15 +140,15 @@ void CSpectrumData::MoveFrom(CSpectrumData& source) {
 }
 
 void CSpectrumData::SetTraceNumber(const CString& text) {
-    m_traceNumber = std::atoi(text);
+    m_traceNumber = ParseInt(text);
 }
 
 void CSpectrumData::SetBPI(const CString& text) {
-    m_bpi = static_cast<float>(std::atof(text));
+    m_bpi = static_cast<float>(ParseDouble(text));
 }
 
 void CSpectrumData::SetBPM(const CString& text) {
-    m_bpm = static_cast<float>(std::atof(text));
+    m_bpm = static_cast<float>(ParseDouble(text));
 }
 
 void CSpectrumData::SetContinuum(const CString& text) {
@@ -155,23 +156,23 @@ void CSpectrumData::SetContinuum(const CString& text) {
 }
 
 void CSpectrumData::SetPeakID(const CString& text) {
-    m_peakID = std::atoi(text);
+    m_peakID = ParseInt(text);
 }
 
 void CSpectrumData::SetPeakClusterID(const CString& text) {
-    m_peakClusterID = std::atoi(text);
+    m_peakClusterID = ParseInt(text);
 }
 
 void CSpectrumData::SetPeakRef(const CString& text) {
-    m_peakRef = std::atoi(text);
+    m_peakRef = ParseInt(text);
 }
 
 void CSpectrumData::SetControlPeakID(const CString& text) {
-    m_controlPeakID = std::atoi(text);
+    m_controlPeakID = ParseInt(text);
 }
 
 void CSpectrumData::SetTime(const CString& text) {
-    m_time = static_cast<float>(std::atof(text));
+    m_time = static_cast<float>(ParseDouble(text));
 }
 
 void CSpectrumData::GetPeakAnnotationLabel(CString& label) const {
@@ -369,10 +370,10 @@ int CSpectrumData::NewField(const CStringArray& input, int id) {
     const CString& value = CFileRecord::FieldValue(input);
     switch (id) {
     case kProcess:
-        m_process = std::atoi(value);
+        m_process = ParseInt(value);
         break;
     case kBPI:
-        m_bpi = static_cast<float>(std::atof(value));
+        m_bpi = static_cast<float>(ParseDouble(value));
         break;
     case kTrace:
         m_trace = value;
@@ -382,45 +383,45 @@ int CSpectrumData::NewField(const CStringArray& input, int id) {
         break;
     case kPeak:
         if (input.GetSize() >= 3) {
-            m_peakExtent.SetStartTime(std::atof(input[1]));
-            m_peakExtent.SetEndTime(std::atof(input[2]));
+            m_peakExtent.SetStartTime(ParseDouble(input[1]));
+            m_peakExtent.SetEndTime(ParseDouble(input[2]));
         }
         break;
     case kIntensity:
         if (input.GetSize() >= 3) {
-            m_peakExtent.SetStartIntensity(static_cast<float>(std::atof(input[1])));
-            m_peakExtent.SetEndIntensity(static_cast<float>(std::atof(input[2])));
+            m_peakExtent.SetStartIntensity(static_cast<float>(ParseDouble(input[1])));
+            m_peakExtent.SetEndIntensity(static_cast<float>(ParseDouble(input[2])));
         }
         break;
     case kTraceNumber:
-        m_traceNumber = std::atoi(value);
+        m_traceNumber = ParseInt(value);
         break;
     case kDesc:
         m_desc = value;
         break;
     case kTIC:
-        m_tic = static_cast<float>(std::atof(value));
+        m_tic = static_cast<float>(ParseDouble(value));
         break;
     case kBPM:
-        m_bpm = static_cast<float>(std::atof(value));
+        m_bpm = static_cast<float>(ParseDouble(value));
         break;
     case kContinuum:
         SetContinuum(CString(value));
         break;
     case kPeakID:
-        m_peakID = std::atoi(value);
+        m_peakID = ParseInt(value);
         break;
     case kPeakClusterID:
-        m_peakClusterID = std::atoi(value);
+        m_peakClusterID = ParseInt(value);
         break;
     case kControlPeakID:
-        m_controlPeakID = std::atoi(value);
+        m_controlPeakID = ParseInt(value);
         break;
     case kPeakRef:
-        m_peakRef = std::atoi(value);
+        m_peakRef = ParseInt(value);
         break;
     case kTime:
-        m_time = static_cast<float>(std::atof(value));
+        m_time = static_cast<float>(ParseDouble(value));
         break;
     case kProcDesc:
         m_procDesc = value;
@@ -460,8 +461,8 @@ void CSpectrumData::ReadLines(CDelimitFile* file,
 void CSpectrumData::MSNewField(const CStringArray& input) {
     if (input.GetSize() < 2)
         return;
-    const float mass = static_cast<float>(std::atof(input[0]));
-    float intensity = static_cast<float>(std::atof(input[1]));
+    const float mass = static_cast<float>(ParseDouble(input[0]));
+    float intensity = static_cast<float>(ParseDouble(input[1]));
     if (m_usesCustomChartParams != 0)
         intensity = intensity * m_bpi * 0.01f;
     AddMassIntensity(&mass, &intensity, 1);
@@ -470,21 +471,21 @@ void CSpectrumData::MSNewField(const CStringArray& input) {
 void CSpectrumData::MassesNewField(const CStringArray& input) {
     if (input.GetSize() < 4)
         return;
-    const bool isotope = input.GetSize() >= 7 && std::atoi(input[6]) > 0;
-    m_masses.Add(CMassesData(std::atof(input[0]), std::atof(input[1]), std::atof(input[2]),
-                             std::atof(input[3]), isotope));
+    const bool isotope = input.GetSize() >= 7 && ParseInt(input[6]) > 0;
+    m_masses.Add(CMassesData(ParseDouble(input[0]), ParseDouble(input[1]), ParseDouble(input[2]),
+                             ParseDouble(input[3]), isotope));
 }
 
 void CSpectrumData::ResultsNewField(const CStringArray& input) {
     if (input.GetSize() < 4)
         return;
     CResultsData result;
-    result.SetMono(std::atof(input[0]));
-    result.SetFound(std::atoi(input[1]));
-    result.SetPercentage(std::atof(input[2]));
-    result.SetPurity(std::atof(input[3]));
+    result.SetMono(ParseDouble(input[0]));
+    result.SetFound(ParseInt(input[1]));
+    result.SetPercentage(ParseDouble(input[2]));
+    result.SetPurity(ParseDouble(input[3]));
     if (input.GetSize() >= 5 && (input[4].Find('0') >= 0 || input[4].Find('1') >= 0))
-        result.SetConfirmationTest(std::atoi(input[4]),
+        result.SetConfirmationTest(ParseInt(input[4]),
                                    input.GetSize() >= 6 ? input[5].c_str() : nullptr);
     m_results.Add(std::move(result));
 }

@@ -1,13 +1,18 @@
 #include <quillon/companions/TarnwickIniInterface.h>
 #include <quillon/platform/HostHooks.h>
 
+#include <quillon/platform/Numbers.h>
 #include <quillon/platform/ProfileFile.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
+#include <string>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace quillon {
 
@@ -32,7 +37,18 @@ CCompoundData ParseLoss(const CString& value) {
     int selectedFlag = 0;
     int nameLength = 0;
     int formulaLength = 0;
-    std::sscanf(value.c_str(), "%lf,%d,%d,%d", &mass, &selectedFlag, &nameLength, &formulaLength);
+    // "mass,selected,name length,formula length,...": each number read in turn until one is
+    // missing or not followed by its comma.
+    std::string_view rest = value.view();
+    size_t used = 0;
+    mass = ParseDouble(rest, used);
+    int* const counts[] = {&selectedFlag, &nameLength, &formulaLength};
+    for (int* count : counts) {
+        if (used == 0 || used >= rest.size() || rest[used] != ',')
+            break;
+        rest.remove_prefix(used + 1);
+        *count = ParseInt(rest, used);
+    }
 
     const long long nameStart =
         static_cast<long long>(value.GetLength()) - nameLength - formulaLength - 1;
@@ -56,11 +72,22 @@ bool CTarnwickIniInterface::GetNeutralLosses(CCompounds& losses, bool selectedOn
     if (!ini.Load())
         return false;
 
+    // The section is read once; keys are looked up as the file would be searched: without regard
+    // to case, the first of equal keys winning.
+    std::unordered_map<std::string, std::string> values;
+    for (auto& [key, value] : ini.GetSectionValues(kSection)) {
+        std::transform(key.begin(), key.end(), key.begin(),
+                       [](unsigned char ch) { return static_cast<char>(std::tolower(ch)); });
+        values.emplace(std::move(key), std::move(value));
+    }
     int number = 1;
     for (;; ++number) {
-        const CString value(ini.GetString(kSection, LossKey(number).view(), ""));
-        if (value.IsEmpty())
+        CString key = LossKey(number);
+        key.MakeLower();
+        const auto found = values.find(key.str());
+        if (found == values.end() || found->second.empty())
             break;
+        const CString value(found->second);
         const CCompoundData loss = ParseLoss(value.Left(kMaxValueLength));
         if (!selectedOnly || loss.IsSelected())
             losses.Add(loss);
@@ -74,7 +101,8 @@ void CTarnwickIniInterface::SetNeutralLosses(const CCompounds& losses) const {
     if (!ini.Load())
         return;
 
-    ini.ReplaceSection(kSection, {});
+    std::vector<std::string> lines;
+    lines.reserve(static_cast<size_t>(losses.GetSize()));
     for (int i = 0; i < losses.GetSize(); ++i) {
         const CCompoundData loss = losses.GetAt(i);
         CString name;
@@ -84,8 +112,9 @@ void CTarnwickIniInterface::SetNeutralLosses(const CCompounds& losses) const {
         CString value;
         value.Format("%.4f,%d,%d,%d,%s,%s", loss.GetMass(), loss.IsSelected() ? 1 : 0,
                      name.GetLength(), formula.GetLength(), name.c_str(), formula.c_str());
-        ini.WriteString(kSection, LossKey(i + 1).view(), value.view());
+        lines.push_back(LossKey(i + 1).str() + "=" + value.str());
     }
+    ini.ReplaceSection(kSection, lines);
     // One save for the whole list: the file holds the old list or the new one, never a part.
     ini.Save();
 }

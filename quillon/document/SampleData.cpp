@@ -2,6 +2,8 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/plate/PlateDesc.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 #include <type_traits>
@@ -129,6 +131,7 @@ constexpr NamedId kSections[] = {
     {"UNEXPECTED METABOLITES", kUnexpectedMetabolitesSection},
     {"MSMS CORRELATION", kMSMSCorrelationSection},
     {"ELEMENTAL", kElementalSection},
+    {"MOLFILE LIST", kMolfileListSection},
 };
 
 // Adds one more line to a text that collects repeated fields.
@@ -187,6 +190,8 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
         return ReadMSMSCorrelation(file);
     case kElementalSection:
         return ReadElemental(file);
+    case kMolfileListSection:
+        return ReadMolfileList(file);
     default:
         return 0;
     }
@@ -304,8 +309,20 @@ void CSampleData::Empty() {
     m_AnalogChannels.RemoveAll();
 }
 
+void CSampleData::AddProcessingTime(const CString& line) {
+    AppendLine(m_strProcessingTime, line);
+}
+
+void CSampleData::AddProcessingInfo(const CString& line) {
+    AppendLine(m_strProcessingInfo, line);
+}
+
+void CSampleData::AddProcessingWarning(const CString& line) {
+    AppendLine(m_strProcessingWarning, line);
+}
+
 void CSampleData::SetNumber(const CString& number) {
-    m_nNumber = std::atoi(number);
+    m_nNumber = ParseInt(number);
 }
 
 int CSampleData::GetWell(CString& well) const {
@@ -314,7 +331,13 @@ int CSampleData::GetWell(CString& well) const {
 }
 
 int CSampleData::GetWell() const {
-    return std::atoi(m_strWell);
+    return ParseInt(m_strWell);
+}
+
+void CSampleData::SetVialReference(const CString& reference) {
+    CPlateDesc plate;
+    plate.SetDescription(m_strPlateDescription); // a text that is no descriptor keeps the default
+    m_VialRef.SetReference(reference, &plate);
 }
 
 int CSampleData::GetPlateDescription(CString& plate) const {
@@ -323,19 +346,19 @@ int CSampleData::GetPlateDescription(CString& plate) const {
 }
 
 float CSampleData::GetSubjectTime() const {
-    return static_cast<float>(std::atof(m_strSubjectTime));
+    return static_cast<float>(ParseDouble(m_strSubjectTime));
 }
 
 void CSampleData::SetConcentration(const CString& concentration) {
-    m_dConcentration = std::atof(concentration);
+    m_dConcentration = ParseDouble(concentration);
 }
 
 void CSampleData::SetLockSprayEnabled(const CString& enabled) {
-    m_bLockSprayEnabled = std::atoi(enabled) != 0;
+    m_bLockSprayEnabled = ParseInt(enabled) != 0;
 }
 
 void CSampleData::SetMUXEnabled(const CString& enabled) {
-    m_bMUXEnabled = std::atoi(enabled) != 0;
+    m_bMUXEnabled = ParseInt(enabled) != 0;
 }
 
 CCompoundData* CSampleData::GetCompound(int index) {
@@ -374,7 +397,7 @@ int CSampleData::ReadCompound(CDelimitFile* file) {
 
 int CSampleData::CompoundNewField(const CStringArray& row) {
     const int count = row.GetSize();
-    m_Compounds.Add(CCompoundData(count > 0 ? std::atof(row[0]) : 0.0,
+    m_Compounds.Add(CCompoundData(count > 0 ? ParseDouble(row[0]) : 0.0,
                                   count > 1 ? row[1] : CString(), count > 2 ? row[2] : CString()));
     return 1;
 }
@@ -394,9 +417,9 @@ int CSampleData::ReadMDF(CDelimitFile* file) {
 
 int CSampleData::MDFNewField(const CStringArray& row) {
     if (row.GetSize() == 1)
-        m_MDFMasses.Add(std::atof(row[0]));
+        m_MDFMasses.Add(ParseDouble(row[0]));
     else if (row.GetSize() >= 2)
-        m_MDFParams.Add(std::atof(row[1]));
+        m_MDFParams.Add(ParseDouble(row[1]));
     return 1;
 }
 

@@ -5,10 +5,12 @@
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/ParametersData.h>
 #include <quillon/acquisition/TraceType.h>
+#include <quillon/fragments/FragmentAnalysis.h>
 #include <quillon/metabolites/CompoundData.h>
 #include <quillon/metabolites/MSMSCorrelation.h>
 #include <quillon/metabolites/MSMSMetabolite.h>
 #include <quillon/metabolites/MetaboliteData.h>
+#include <quillon/plate/VialRef.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 #include <quillon/platform/String.h>
@@ -54,10 +56,16 @@ public:
     void GetFileName(CString& name) const { name = m_strFileName; }
     void SetFileName(const CString& name) { m_strFileName = name; }
     int GetWell(CString& well) const;
-    int GetWell() const; // the well as an integer (atoi rules)
+    int GetWell() const; // the well as an integer (C rules, any locale)
     void SetWell(const CString& well) { m_strWell = well; }
     int GetPlateDescription(CString& plate) const;
     void SetPlateDescription(const CString& plate) { m_strPlateDescription = plate; }
+    // The vial reference, parsed on the plate the "Plate" header describes when that text is a
+    // plate descriptor ("columns,rows[,priority[,referencing[,origin]]]"), and on the default
+    // plate (12 x 8, alphanumeric) otherwise. "A1:B3" on the default plate is vial 15.
+    void SetVialReference(const CString& reference);
+    void GetVialReference(CVialRef& reference) const { reference = m_VialRef; }
+    void GetVialReference(CString& reference) const { m_VialRef.GetReference(reference); }
     void GetType(CString& type) const { type = m_strType; }
     void SetType(const CString& type) { m_strType = type; }
     bool IsControl() const { return m_strType == "Control"; }
@@ -78,7 +86,7 @@ public:
     void GetInjectionVolume(CString& volume) const { volume = m_strInjectionVolume; }
     void SetInjectionVolume(const CString& volume) { m_strInjectionVolume = volume; }
     void GetSubjectTime(CString& time) const { time = m_strSubjectTime; }
-    float GetSubjectTime() const; // the subject time as a number (atof rules)
+    float GetSubjectTime() const; // the subject time as a number (C rules, any locale)
     void SetSubjectTime(const CString& time) { m_strSubjectTime = time; }
     void GetSubjectText(CString& text) const { text = m_strSubjectText; }
     const char* GetSubjectText() const { return m_strSubjectText; }
@@ -105,6 +113,10 @@ public:
     void GetProcessingTime(CString& text) const { text = m_strProcessingTime; }
     void GetProcessingInfo(CString& text) const { text = m_strProcessingInfo; }
     void GetProcessingWarning(CString& text) const { text = m_strProcessingWarning; }
+    // Each adds one more line to its note (after a newline when the note already holds text).
+    void AddProcessingTime(const CString& line);
+    void AddProcessingInfo(const CString& line);
+    void AddProcessingWarning(const CString& line);
     void GetJobCode(CString& code) const { code = m_strJobCode; }
     void SetJobCode(const CString& code) { m_strJobCode = code; }
     void GetTaskCode(CString& code) const { code = m_strTaskCode; }
@@ -151,6 +163,15 @@ public:
     bool GetMoleculeEnabled() const { return m_bMoleculeEnabled; }
     void SetMoleculeEnabled(bool enabled) { m_bMoleculeEnabled = enabled; }
     int GetMoleculeDimensions() const { return m_nMoleculeDimensions; } // -1: not determined
+    // Reads a "[MOLFILE LIST]" section, extracting its molfiles (CMolfile), and enables the
+    // molecule. Returns 1.
+    int ReadMolfileList(CDelimitFile* file);
+    // The molecule reference of the first metabolite, in index order, that has one; else empty.
+    CString GetMoleculeReference() const;
+    // Whether the sample's structure is 2D or 3D, from the dimension code ("2D", "3D") at columns
+    // 20 and 21 of its molfile's header line; determined once and stored. 0 without metabolites or
+    // without a molfile list; 2 when the molfile is missing or carries no recognisable code.
+    int SetMoleculeDimensions();
     void IncrementExpectedMetaboliteCount() { ++m_nExpectedMetaboliteLastEntry; }
     int GetHighEnergyExpectedCount() const { return m_nHighEnergyExpectedCount; }
     int GetHighEnergyUnexpectedCount() const { return m_nHighEnergyUnexpectedCount; }
@@ -158,10 +179,17 @@ public:
     double GetInternalStandardArea() const { return m_dInternalStandardArea; }
     int GetMSMSCorrelationFirstEntry() const { return m_nMSMSCorrelationFirstEntry; }
     int GetNumParentMasses() const { return m_nNumParentMasses; }
+    // The fragment whose precursors the trace numbered -101 gathers, and the neutral loss (an
+    // entry index of the fragment analysis) whose carriers the trace numbered -102 gathers. A new
+    // value makes that trace need rebuilding.
     int CurrentFragment() const { return m_nCurrentFragment; }
-    void CurrentFragment(int fragment) { m_nCurrentFragment = fragment; }
+    void CurrentFragment(int fragment);
     int CurrentNeutralLoss() const { return m_nCurrentNeutralLoss; }
-    void CurrentNeutralLoss(int loss) { m_nCurrentNeutralLoss = loss; }
+    void CurrentNeutralLoss(int loss);
+
+    // The fragment analysis of this sample (validated after reading, run on demand).
+    CFragmentAnalysis* GetFragmentAnalysis() { return &m_FragmentAnalysis; }
+    const CFragmentAnalysis* GetFragmentAnalysis() const { return &m_FragmentAnalysis; }
 
     // Metabolites (SampleDataMetabolites.cpp), kept in one array in three consecutive groups:
     // expected, unexpected, then MS/MS correlation metabolites. The counts derive from the last
@@ -250,6 +278,55 @@ public:
     CChromatoData* GetAnalogChannel(); // the last channel
     // The combined trace numbered -101 or -102, or -100 for any other number.
     CChromatoData* GetCombinedTrace(int traceNumber);
+
+    // Combined traces (SampleDataCombinedTraces.cpp): computed chromatograms that gather the
+    // chromatographic peaks of a set of metabolites on one time axis. The trace numbered -100
+    // gathers the set chosen by the combined trace type, -101 the precursors of the current
+    // fragment, -102 the carriers of the current neutral loss. Each is built lazily: a change of
+    // its selection sets its needs-data flag, and the next SetupCombinedTrace rebuilds it once.
+    enum COMBINED_TRACE_TYPE {
+        COMBINED_EXPECTED_FOUND = 0,
+        COMBINED_ALL_FOUND = 1,
+        COMBINED_ALL_FOUND_AND_UNEXPECTED = 2,
+        COMBINED_PRECURSORS_OF_FRAGMENT = 3,
+        COMBINED_COMMON_NEUTRAL_LOSS = 4,
+    };
+    // -101 for precursors, else -102 for a neutral loss, else -100.
+    static int GetCombinedTraceNum(bool precursors, bool neutralLoss);
+    static bool IsCombinedTraceNum(int trace); // -100, -101 or -102
+    // Sets the needs-data flag of -100 to needs, and of -101 and -102 too when asked.
+    void CombinedTraceNeedsData(bool needs, bool precursorsToo, bool neutralLossToo);
+    bool CombinedTraceNeedsData() const; // the flag of -100
+    // False for another trace number or an unchanged type; otherwise flags the trace and
+    // stores the type.
+    bool SetCombinedTraceType(int type, int traceNumber);
+    int GetCombinedTraceType() const { return m_nCombinedTraceType; }
+    // Resets a trace to an empty combined trace: described "Combined Metabolite Peaks", numbered
+    // -100 (trace and function), needing data.
+    static void InitialiseCombinedTrace(CChromatoData* trace);
+    // Builds the combined trace numbered traceNumber when it needs data; true when built.
+    // The sixteen filter settings are those of CMetaboliteData::ApplyDataFilters, which types 0
+    // to 2 apply. Selection: type 0 takes the found expected metabolites, type 1 the found
+    // expected and MS/MS correlation ones, type 2 every found one (unexpected too); type 3 the
+    // parents of the current fragment, type 4 the low-energy metabolites whose peak carries the
+    // current neutral loss. High-energy partners and excluded masses never join. With
+    // leaveOutParent, metabolites named "Parent" are left out, so that the metabolites are not
+    // dwarfed by the parent; with confirmedOnly, only metabolites the user confirmed join.
+    // Grid: n times spread evenly over the widest span of the metabolites' traces, n the most
+    // points of any such trace. Each selected metabolite's trace is cut to its peak's extent
+    // and every cut point adds its intensity to the nearest grid time when that lies within half
+    // a grid spacing; overlapping peaks add up. Each selected peak is listed on the trace.
+    bool SetupCombinedTrace(int traceNumber, bool massDefectOn, double upperMassDefect,
+                            double lowerMassDefect, bool areaOn, int areaMode, float areaThreshold,
+                            float relativeAreaThreshold, bool areaOnExpected, bool massErrorOn,
+                            double massErrorLimit, bool isotopeOn, bool elementalOn, bool timeOn,
+                            double timeLow, double timeHigh, bool hideHighEnergy,
+                            bool leaveOutParent, bool confirmedOnly);
+    // Trace number of the diode-array TIC (or TAC) of the last diode-array function that has
+    // one; 0 when none.
+    int GetPDATIC();
+    // Trace number of the first chromatogram of the first analog function that has one; 0 if none.
+    int GetAnalog1();
 
     // Navigation by the numbers a report carries (SampleDataNavigation.cpp). Walks run over the
     // functions by index, their chromatograms by index and the chromatograms' peaks in order;
@@ -348,6 +425,7 @@ public:
     int GetMSMSMetaboliteList(CArray<CMSMSMetabolite>& list);
 
 private:
+    static CChromatoData EmptyCombinedTrace();
     // Stores one header field; 1 for a header identifier, 0 for any other.
     int NewField(const CStringArray& input, int id);
     // Moves metabolite i into the sorted block of low-energy expected metabolites (by found m/z,
@@ -362,6 +440,7 @@ private:
     CString m_strFileName;
     CString m_strWell;
     CString m_strPlateDescription;
+    CVialRef m_VialRef;
     CString m_strType;
     CString m_strID;
     CString m_strDescription;
@@ -428,7 +507,10 @@ private:
     double m_dMaxParentMass = 0.0;
     CMSMSCorrelation m_MSMSCorrelation;
     // The combined traces numbered -100, -101 and -102, in that order.
-    CChromatoData m_CombinedTraces[3];
+    CChromatoData m_CombinedTraces[3] = {EmptyCombinedTrace(), EmptyCombinedTrace(),
+                                         EmptyCombinedTrace()};
+    int m_nCombinedTraceType = COMBINED_EXPECTED_FOUND;
+    CFragmentAnalysis m_FragmentAnalysis;
     // Metabolite area totals by group (expected, unexpected) and detector kind (MS, diode array,
     // analog).
     double m_AreaTotals[2][3] = {};

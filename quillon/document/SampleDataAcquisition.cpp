@@ -5,6 +5,7 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 #include <utility>
@@ -57,7 +58,7 @@ int CSampleData::ReadFunctionAppend(CDelimitFile* file) {
     if (lookup.Read(file) == 1) {
         const CStringArray& input = *lookup.GetInput();
         if (!input.IsEmpty())
-            number = std::atoi(input[input.GetUpperBound()]);
+            number = ParseInt(input[input.GetUpperBound()]);
     }
     const int index = GetFunctionEntryWithNumber(number);
     if (index < 0)

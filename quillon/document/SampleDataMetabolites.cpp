@@ -4,12 +4,15 @@
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
+#include <quillon/platform/Numbers.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
+#include <type_traits>
 
 namespace quillon {
 
@@ -52,8 +55,27 @@ struct PeakIdentifier {
 
 // Scans one identifier; false when not even the peak number can be read.
 bool ScanPeakIdentifier(const CString& text, PeakIdentifier& id) {
-    return std::sscanf(text, "%d/%d/%d/%lf/%d/%lf", &id.peak, &id.function, &id.trace, &id.mz,
-                       &id.cluster, &id.molecularMass) >= 1;
+    std::string_view rest = text.view();
+    size_t used = 0;
+    id.peak = ParseInt(rest, used);
+    if (used == 0)
+        return false;
+    // Each later part is read while the ones before it were, each after its "/"; a part that
+    // does not read keeps its default, and so do the parts after it.
+    auto read = [&](auto& part) {
+        if (used == 0 || used >= rest.size() || rest[used] != '/')
+            return false;
+        rest.remove_prefix(used + 1);
+        using Part = std::remove_reference_t<decltype(part)>;
+        const Part value = std::is_same_v<Part, int> ? static_cast<Part>(ParseInt(rest, used))
+                                                     : static_cast<Part>(ParseDouble(rest, used));
+        if (used > 0)
+            part = value;
+        return used > 0;
+    };
+    (void)(read(id.function) && read(id.trace) && read(id.mz) && read(id.cluster) &&
+           read(id.molecularMass));
+    return true;
 }
 
 // Calls onItem for each comma-separated item of a text ("" gives one empty item).
@@ -204,18 +226,18 @@ int CSampleData::ReadMetabolite(CDelimitFile* file, bool expected) {
 // found m/z tells whether the peak is an isotope peak.
 int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected) {
     const int count = row.GetSize();
-    const int compound = count > 0 ? std::atoi(row[0]) : 0;
-    const double precursor = count > 1 ? std::atof(row[1]) : 0.0;
-    const double metaboliteMass = count > 2 ? std::atof(row[2]) : 0.0;
-    const bool found = count > 3 && std::atoi(row[3]) != 0;
+    const int compound = count > 0 ? ParseInt(row[0]) : 0;
+    const double precursor = count > 1 ? ParseDouble(row[1]) : 0.0;
+    const double metaboliteMass = count > 2 ? ParseDouble(row[2]) : 0.0;
+    const bool found = count > 3 && ParseInt(row[3]) != 0;
     const CString formula = IsFormulaMarker(Column(row, 4)) ? CString() : Column(row, 4);
     const CString& traceList = Column(row, 5);
     const CString peaks = count > 6 ? row[6] : CString("0");
     const CString& name = Column(row, 7);
     const CString& mDa = Column(row, 8);
     const CString& ppm = Column(row, 9);
-    const bool msms = count > 10 && std::atoi(row[10]) != 0;
-    const bool confirmed = count > 11 && std::atoi(row[11]) != 0;
+    const bool msms = count > 10 && ParseInt(row[10]) != 0;
+    const bool confirmed = count > 11 && ParseInt(row[11]) != 0;
     const CString& moleculeReference = Column(row, 12);
 
     if (compound + 1 > m_nNextCompoundNumber)
@@ -269,9 +291,9 @@ int CSampleData::ReadMSMSCorrelation(CDelimitFile* file) {
         [this](const CStringArray& input, int id) {
             const CString& value = CFileRecord::FieldValue(input);
             if (id == kMassWindow)
-                m_MSMSCorrelation.MassWindow(std::atof(value));
+                m_MSMSCorrelation.MassWindow(ParseDouble(value));
             else if (id == kParentEntry)
-                m_MSMSCorrelation.ParentEntry(std::atoi(value));
+                m_MSMSCorrelation.ParentEntry(ParseInt(value));
         },
         // The correlation table is read under its own header. (It always follows the metabolite
         // table; reading it there rather than as "the block after the metabolites" keeps a
@@ -292,15 +314,15 @@ int CSampleData::ReadMSMSCorrelation(CDelimitFile* file) {
 
 int CSampleData::MSMSMetaboliteNewField(const CStringArray& row) {
     const int count = row.GetSize();
-    const int entry = count > 0 ? std::atoi(row[0]) : 0;
-    const double setMass = count > 1 ? std::atof(row[1]) : 0.0;
-    const double parentMass = count > 2 ? std::atof(row[2]) : 0.0;
-    const int trace = count > 3 ? std::atoi(row[3]) : 0;
-    const double metaboliteMass = count > 4 ? std::atof(row[4]) : 0.0;
-    const bool status = count > 5 && std::atoi(row[5]) != 0;
-    const int peak = count > 6 ? std::atoi(row[6]) : 0;
-    const int cluster = count > 7 ? std::atoi(row[7]) : 0;
-    const double time = count > 8 ? std::atof(row[8]) : 0.0;
+    const int entry = count > 0 ? ParseInt(row[0]) : 0;
+    const double setMass = count > 1 ? ParseDouble(row[1]) : 0.0;
+    const double parentMass = count > 2 ? ParseDouble(row[2]) : 0.0;
+    const int trace = count > 3 ? ParseInt(row[3]) : 0;
+    const double metaboliteMass = count > 4 ? ParseDouble(row[4]) : 0.0;
+    const bool status = count > 5 && ParseInt(row[5]) != 0;
+    const int peak = count > 6 ? ParseInt(row[6]) : 0;
+    const int cluster = count > 7 ? ParseInt(row[7]) : 0;
+    const double time = count > 8 ? ParseDouble(row[8]) : 0.0;
     const CString neutralLoss = NeutralLossOf(Column(row, 9));
     AddMSMSMetabolite(entry, CMetaboliteData(setMass, parentMass, metaboliteMass, status, trace,
                                              peak, cluster, time, -1.0, neutralLoss,
@@ -311,8 +333,8 @@ int CSampleData::MSMSMetaboliteNewField(const CStringArray& row) {
 int CSampleData::MSMSAddCorrelationToMetabolite(const CStringArray& row) {
     if (row.GetSize() < 3)
         return 0;
-    const int otherEntry = std::atoi(row[1]);
-    CMetaboliteData* metabolite = GetMetabolite(std::atoi(row[0]) + m_nMSMetaboliteCount);
+    const int otherEntry = ParseInt(row[1]);
+    CMetaboliteData* metabolite = GetMetabolite(ParseInt(row[0]) + m_nMSMetaboliteCount);
     if (metabolite == nullptr || otherEntry < 0 || otherEntry > kMaxMSMSEntryGrowth)
         return 1;
     metabolite->SetCorrelationMasses(otherEntry, CorrelationTextOf(row[2]));

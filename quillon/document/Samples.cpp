@@ -6,6 +6,7 @@
 #include <quillon/platform/HostHooks.h>
 #include <quillon/platform/ProcessInfo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <ctime>
@@ -23,6 +24,7 @@ namespace {
 enum TopLevelSection { kSampleSection = 0, kSampleAppendSection = 1 };
 
 constexpr std::string_view kSampleSectionName = "SAMPLE";
+constexpr std::string_view kSampleAppendSectionName = "SAMPLE_APPEND";
 constexpr const char kReadingErrorTitle[] = "Hollbeck Browser";
 constexpr const char kReadingErrorText[] = "Error reading sample";
 // Longest exception text shown, terminator included.
@@ -63,7 +65,8 @@ CString ParentName(const CDelimitFile& file) {
 } // namespace
 
 CSamples::CSamples(const CSamples& source)
-    : CObject(source), m_Samples(source.m_Samples), m_pParams(source.m_pParams) {
+    : CObject(source), m_Samples(source.m_Samples), m_pParams(source.m_pParams),
+      m_SampleStarts(source.m_SampleStarts) {
     RelinkControls(source.ControlIndices(), [](int index) { return index; });
 }
 
@@ -71,6 +74,7 @@ CSamples& CSamples::operator=(const CSamples& source) {
     if (this != &source) {
         m_Samples = source.m_Samples;
         m_pParams = source.m_pParams;
+        m_SampleStarts = source.m_SampleStarts;
         RelinkControls(source.ControlIndices(), [](int index) { return index; });
     }
     return *this;
@@ -89,6 +93,30 @@ int CSamples::Read(CDelimitFile* file) {
     // section this library does not know never ends the reading of the samples after it.
     // A read error between samples ends the reading with a message, like one inside a sample.
     m_ReadReport = CReadReport();
+    // Samples are gathered in file order and put into number order once at the end, as AddSample
+    // would have placed them one by one: equal numbers keep their file order behind the samples
+    // already held. (Inserting each in turn moves every later sample: quadratic in a report whose
+    // samples come in descending order.)
+    std::vector<CSampleData> read;
+    // The sample a continuation extends: the one AddSample would have put last so far (the
+    // highest number, the latest of equals); -1 for none, else an index of the samples held
+    // followed by those read.
+    int last = GetSamplesCount() - 1;
+    auto sampleAt = [&](int index) -> CSampleData& {
+        return index < GetSamplesCount() ? m_Samples[index]
+                                         : read[static_cast<size_t>(index - GetSamplesCount())];
+    };
+    auto readNew = [&]() {
+        CSampleData sample;
+        if (!ReadSampleRecord(file, sample))
+            return;
+        sample.SetFileEntry(GetSamplesCount() + static_cast<int>(read.size()));
+        m_SampleStarts.push_back(static_cast<int64_t>(sample.GetFilePosStart()));
+        const int index = GetSamplesCount() + static_cast<int>(read.size());
+        if (last < 0 || sample.GetNumber() >= sampleAt(last).GetNumber())
+            last = index;
+        read.push_back(std::move(sample));
+    };
     if (file != nullptr) {
         int64_t lineStart = 0;
         try {
@@ -114,11 +142,11 @@ int CSamples::Read(CDelimitFile* file) {
                         m_ReadReport.Add(CReadReport::StrayBlockEnd, "}", lineStart);
                     strayDepth = strayDepth > 0 ? strayDepth - 1 : 0;
                 } else if (type == RECORD_PARAGRAPH && strayDepth == 0) {
-                    if (fields[0] == "SAMPLE") {
-                        ReadSample(file);
+                    if (fields[0] == "SAMPLE" || (fields[0] == "SAMPLE_APPEND" && last < 0)) {
+                        readNew();
                         NoteOpenSampleBlock(file, lineStart, fields[0]);
                     } else if (fields[0] == "SAMPLE_APPEND") {
-                        AppendSample(file);
+                        AppendRecord(file, sampleAt(last));
                         NoteOpenSampleBlock(file, lineStart, fields[0]);
                     } else {
                         strayName = fields[0];
@@ -139,6 +167,8 @@ int CSamples::Read(CDelimitFile* file) {
             m_ReadReport.Add(CReadReport::SampleError, "", lineStart, ReportReadingError(nullptr));
         }
     }
+    std::sort(m_SampleStarts.begin(), m_SampleStarts.end());
+    AddSamplesInOrder(std::move(read));
     SetControlSamples();
     for (CSampleData& sample : m_Samples)
         DeriveMetaboliteResults(sample);
@@ -168,7 +198,9 @@ void CReadReport::Add(Kind kind, CString name, int64_t offset, CString detail) {
 }
 
 void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
-    // The fragment analysis's validation of the sample's energy pairs comes first, once it exists.
+    // The fragment analysis's validation of the sample's energy pairs comes first: it marks the
+    // high-energy metabolites that the counts and area totals tell apart.
+    sample.GetFragmentAnalysis()->ValidateFragmentAnalysis(&sample);
     sample.SetHighEnergyMetaboliteCount();
     sample.DetermineAreaTotals();
     sample.CalculateMetabolitePercentAreas(false);
@@ -176,24 +208,28 @@ void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
 }
 
 int CSamples::ReadSample(CDelimitFile* file) {
-    if (file == nullptr)
+    CSampleData sample;
+    if (file == nullptr || !ReadSampleRecord(file, sample))
         return GetSamplesCount() - 1;
+    return AddSample(std::move(sample));
+}
+
+bool CSamples::ReadSampleRecord(CDelimitFile* file, CSampleData& sample) {
     // The section starts where its header line did, whatever its line end.
     const int64_t start = LineStart(*file);
     try {
-        CSampleData sample;
         sample.SetFilePosStart(static_cast<unsigned long>(start));
         sample.SetFilePosEnd(static_cast<unsigned long>(start));
         sample.Read(file);
         sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
         sample.SetParams(m_pParams);
-        return AddSample(std::move(sample));
+        return true;
     } catch (const CException& exception) {
         m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, ReportReadingError(&exception));
     } catch (...) {
         m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, ReportReadingError(nullptr));
     }
-    return GetSamplesCount() - 1;
+    return false;
 }
 
 int CSamples::AppendSample(CDelimitFile* file) {
@@ -202,10 +238,15 @@ int CSamples::AppendSample(CDelimitFile* file) {
     CSampleData* last = GetSample();
     if (last == nullptr)
         return ReadSample(file);
+    AppendRecord(file, *last);
+    return GetSamplesCount() - 1;
+}
+
+void CSamples::AppendRecord(CDelimitFile* file, CSampleData& sample) {
     const int64_t start = LineStart(*file);
     try {
-        last->Read(file);
-        last->SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
+        sample.Read(file);
+        sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
     } catch (const CException& exception) {
         m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start,
                          ReportReadingError(&exception));
@@ -213,7 +254,34 @@ int CSamples::AppendSample(CDelimitFile* file) {
         m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start,
                          ReportReadingError(nullptr));
     }
-    return GetSamplesCount() - 1;
+}
+
+void CSamples::AddSamplesInOrder(std::vector<CSampleData>&& added) {
+    if (added.empty())
+        return;
+    std::stable_sort(added.begin(), added.end(), [](const CSampleData& a, const CSampleData& b) {
+        return a.GetNumber() < b.GetNumber();
+    });
+    const std::vector<int> controls = ControlIndices();
+    std::vector<int> newIndex(static_cast<size_t>(GetSamplesCount()), -1);
+    CArray<CSampleData> merged;
+    merged.Reserve(GetSamplesCount() + static_cast<int>(added.size()));
+    int held = 0;
+    for (CSampleData& sample : added) {
+        // Samples already held go before new ones of the same number.
+        while (held < GetSamplesCount() && m_Samples[held].GetNumber() <= sample.GetNumber()) {
+            newIndex[static_cast<size_t>(held)] = merged.GetSize();
+            merged.Add(std::move(m_Samples[held++]));
+        }
+        merged.Add(std::move(sample));
+    }
+    while (held < GetSamplesCount()) {
+        newIndex[static_cast<size_t>(held)] = merged.GetSize();
+        merged.Add(std::move(m_Samples[held++]));
+    }
+    m_Samples = std::move(merged);
+    RelinkControls(controls,
+                   [&newIndex](int index) { return newIndex[static_cast<size_t>(index)]; });
 }
 
 int CSamples::AddSample() {
@@ -245,6 +313,7 @@ int CSamples::AddSample(CSampleData&& sample) {
 
 void CSamples::DeleteAll() {
     m_Samples.RemoveAll();
+    m_SampleStarts.clear();
 }
 
 CSampleData* CSamples::GetSample(int index) {
@@ -286,6 +355,57 @@ void CSamples::SetControlSamples() {
         // Every linked sample lies before the next control, so this never passes one.
         index += 1 + linked;
     }
+}
+
+namespace {
+
+bool HasTwoDimensionalMolfile(CSampleData& sample) {
+    constexpr int kTwoDimensional = 2;
+    const int stored = sample.GetMoleculeDimensions();
+    return stored == kTwoDimensional || (stored < 0 && sample.SetMoleculeDimensions() == 2);
+}
+
+// The key samples of one compound are matched by: its formula, or its mass without decimals.
+CString FirstCompoundKey(const CSampleData& sample) {
+    const CCompoundData* compound = sample.GetCompound(0);
+    if (!compound)
+        return CString();
+    CString key;
+    compound->GetFormula(key);
+    if (key.IsEmpty())
+        key.Format("%.0f", compound->GetMass());
+    return key;
+}
+
+} // namespace
+
+CSampleData* CSamples::GetSampleWith2DMolFile(int number) {
+    const int count = GetSamplesCount();
+    if (count == 0)
+        return nullptr;
+    int found = count - 1;
+    for (int index = 0; index < count; ++index) {
+        if (m_Samples[index].GetNumber() == number) {
+            found = index;
+            break;
+        }
+    }
+    if (HasTwoDimensionalMolfile(m_Samples[found]))
+        return &m_Samples[found];
+
+    const CString key = FirstCompoundKey(m_Samples[found]);
+    const auto matches = [&](int index) {
+        CSampleData& other = m_Samples[index];
+        return other.GetCompound(0) && FirstCompoundKey(other) == key &&
+               HasTwoDimensionalMolfile(other);
+    };
+    for (int index = found - 1; index >= 0; --index)
+        if (matches(index))
+            return &m_Samples[index];
+    for (int index = found + 1; index < count; ++index)
+        if (matches(index))
+            return &m_Samples[index];
+    return nullptr;
 }
 
 bool CSamples::GetLockSprayEnabled() const {
@@ -332,10 +452,19 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section, from 1: the
     // n-th holds the candidates of the n-th metabolite after the expected ones.
     int elementalCounter = 0;
+    int writtenGroups = 0;
     bool duplicatesDropped = false;
     CString line;
     std::string_view section;
+    bool lineEndSet = false;
+    // Where the sample headers go in the new file: the starts the next write goes by.
+    std::vector<int64_t> writtenStarts;
     while (in->ReadString(line)) {
+        if (!lineEndSet) {
+            // The copy keeps the line ends of the file it copies.
+            out->SetLineEnd(in->GetLineEndRead());
+            lineEndSet = true;
+        }
         if (line.IsEmpty())
             continue;
         // Section headers are told by the same rule the reader goes by.
@@ -343,8 +472,20 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             out->WriteRecord(line);
             continue;
         }
-        if (section == kSampleSectionName)
-            ++sampleCounter;
+        bool startsSample = false;
+        if (section == kSampleSectionName || section == kSampleAppendSectionName) {
+            startsSample = StartsSample(*in);
+            if (startsSample) {
+                ++sampleCounter;
+                writtenGroups = 0;
+            } else if (section == kSampleSectionName && !m_SampleStarts.empty()) {
+                // A header the reader did not take for a sample of its own (it came inside
+                // another sample's section, inside a stray block, or began a sample that could
+                // not be read): copied like any other line of the section it stands in.
+                out->WriteRecord(line);
+                continue;
+            }
+        }
         if (sampleCounter > GetSamplesCount() - 1) {
             // A sample the collection does not hold: its section is not written.
             in->SkipToNextSection();
@@ -353,13 +494,15 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
                    sample != nullptr && sample->IsDuplicate()) {
             in->MoveToNextSection();
             duplicatesDropped = true;
-        } else if (sample != nullptr &&
-                   WriteMetaboliteSection(section, *sample, elementalCounter, in, out)) {
+        } else if (sample != nullptr && WriteMetaboliteSection(section, *sample, elementalCounter,
+                                                               writtenGroups, in, out)) {
             // Written from memory in place of the old block.
         } else if (section == "MOLFILE LIST") {
             out->WriteSectionHeader("MOLFILE LIST");
             CopyMolfileList(in, out, parentToReplace, outputParent);
         } else {
+            if (startsSample)
+                writtenStarts.push_back(out->GetPosition());
             out->WriteRecord(line);
         }
         in->UpdateStatus();
@@ -377,28 +520,50 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
             out->SetLength(end);
     }
     RemoveDuplicates();
+    if (!m_SampleStarts.empty())
+        m_SampleStarts = std::move(writtenStarts);
     return 1;
 }
 
+bool CSamples::StartsSample(CDelimitFile& in) const {
+    if (m_SampleStarts.empty())
+        return true; // samples not read from a file: every "[SAMPLE]" counts
+    const int64_t start = in.GetPosition() - in.GetLastLineLength();
+    return std::binary_search(m_SampleStarts.begin(), m_SampleStarts.end(), start);
+}
+
 bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sample,
-                                      int& elementalCounter, CDelimitFile* in, CDelimitFile* out) {
+                                      int& elementalCounter, int& writtenGroups, CDelimitFile* in,
+                                      CDelimitFile* out) {
+    enum { kExpected = 1, kUnexpected = 2, kCorrelation = 4 };
+    const auto firstOfGroup = [&writtenGroups](int group) {
+        const bool first = (writtenGroups & group) == 0;
+        writtenGroups |= group;
+        return first;
+    };
     if (section == "EXPECTED METABOLITES") {
-        out->WriteSectionHeader("EXPECTED METABOLITES");
-        sample.WriteMSMetabolites(out, true);
+        if (firstOfGroup(kExpected)) {
+            out->WriteSectionHeader("EXPECTED METABOLITES");
+            sample.WriteMSMetabolites(out, true);
+        }
     } else if (section == "UNEXPECTED METABOLITES") {
-        out->WriteSectionHeader("UNEXPECTED METABOLITES");
-        sample.WriteMSMetabolites(out, false);
+        if (firstOfGroup(kUnexpected)) {
+            out->WriteSectionHeader("UNEXPECTED METABOLITES");
+            sample.WriteMSMetabolites(out, false);
+        }
         elementalCounter = 0;
     } else if (section == "ELEMENTAL") {
         out->WriteSectionHeader("ELEMENTAL");
         sample.WriteElementalComposition(out, ++elementalCounter);
     } else if (section == "MSMS CORRELATION") {
-        out->WriteSectionHeader("MSMS CORRELATION");
-        sample.WriteMSMSMetabolites(out);
+        if (firstOfGroup(kCorrelation)) {
+            out->WriteSectionHeader("MSMS CORRELATION");
+            sample.WriteMSMSMetabolites(out);
+        }
     } else {
         return false;
     }
-    in->MoveToNextSection();
+    in->SkipFollowingBlock();
     return true;
 }
 

@@ -12,6 +12,8 @@ namespace quillon {
 
 class CDelimitFile;
 struct CDivBroParams;
+class CMetabolicStabilityInfo;
+struct MetabolicStabilityParameters;
 
 // One row of the found-count summary over a range of samples: an expected metabolite's name, its
 // mass shift as a label ("+16" for a shift of 15.9949; empty within 0.5 of zero) and, per sample
@@ -107,18 +109,30 @@ public:
     void SetControlSamples();
     // True when any sample has lock-spray (respectively MUX) acquisition enabled.
     bool GetLockSprayEnabled() const;
+    // A sample whose structure is two-dimensional for the sample with that number (the last
+    // sample when no number matches): the sample itself when its molfile is 2D, else the nearest
+    // sample before it, then after it, whose first compound has the same formula (or, without a
+    // formula, the same mass to "%.0f") and a 2D molfile. Null when none has.
+    CSampleData* GetSampleWith2DMolFile(int number);
     bool GetMUXEnabled() const;
     // The found counts of the low-energy expected metabolites of samples first..last (a negative
     // first means 0, a negative last the last sample), one row per name and shift label in the
     // order they first appear. A name never found still gets a row of zeros. Returns true.
     bool CreateOverallMSSummaryData(CArray<MetaboliteCountInfo>& summary, int first, int last);
+    // The metabolic stability of every incubation series: the analyte samples (controls left
+    // out) grouped by parent ("SubjectParent") and processing parameters, ordered by incubation
+    // time. Fills one entry per series (see CMetabolicStabilityInfo for what is computed) and
+    // returns whether any series was found.
+    bool CreateMetabolicStabilityAnalysis(CArray<CMetabolicStabilityInfo>& series);
+    bool CreateMetabolicStabilityAnalysis(CArray<CMetabolicStabilityInfo>& series,
+                                          const MetabolicStabilityParameters& parameters);
 
     // Copies the report file the collection was read from (in, at its start) to out, line by
-    // line: empty lines are dropped, duplicate samples are left out with their blocks, the
-    // molfile list is copied with its parent names rewritten for the new file, and comment lines
-    // naming the program and the time are appended. When duplicates were dropped, a file rewritten
-    // in place is cut to what was written. Afterwards the duplicate samples are removed from memory
-    // too. Returns 0 when either file is missing, otherwise 1.
+    // line, with the line ends of in's first line: empty lines are dropped, duplicate samples are
+    // left out with their blocks, the molfile list is copied with its parent names rewritten for
+    // the new file, and comment lines naming the program and the time are appended. When duplicates
+    // were dropped, a file rewritten in place is cut to what was written. Afterwards the duplicate
+    // samples are removed from memory too. Returns 0 when either file is missing, otherwise 1.
     int Write(CDelimitFile* in, CDelimitFile* out);
 
 private:
@@ -135,21 +149,40 @@ private:
     void RelinkControls(const std::vector<int>& controls, NewIndexOf newIndexOf);
     // Removes the samples marked as duplicates, keeping the control links of the others.
     void RemoveDuplicates();
+    // Reads one "[SAMPLE]" section into sample, with its place in the file and the browser
+    // parameters; false (after showing why) when reading failed.
+    bool ReadSampleRecord(CDelimitFile* file, CSampleData& sample);
+    // Reads a "SAMPLE_APPEND" section into sample; a failure is shown.
+    void AppendRecord(CDelimitFile* file, CSampleData& sample);
+    // Puts the samples among those held in number order, as AddSample would one by one, in
+    // linear-logarithmic time; control links of the samples held are kept.
+    void AddSamplesInOrder(std::vector<CSampleData>&& added);
     // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
     // of the input's block; false for any other section. The elemental counter numbers the
-    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1.
+    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1. Each of the three
+    // metabolite groups is written whole at its sample's first section of that kind: a later
+    // section of the same kind in the same sample (written, a bit per group, in writtenGroups) is
+    // dropped with its block, since the reader put its metabolites into the group already written.
     static bool WriteMetaboliteSection(std::string_view section, CSampleData& sample,
-                                       int& elementalCounter, CDelimitFile* in, CDelimitFile* out);
+                                       int& elementalCounter, int& writtenGroups, CDelimitFile* in,
+                                       CDelimitFile* out);
     // Copies the molfile list's lines up to and including the line that closes its block,
     // replacing the first occurrence of from by to in each line when from is not empty.
     static void CopyMolfileList(CDelimitFile* in, CDelimitFile* out, const CString& from,
                                 const CString& to);
 
+    // True when the header line just read from in is one the reader started a sample with (by
+    // its position); always true for a collection not read from a file.
+    bool StartsSample(CDelimitFile& in) const;
     // Notes a sample whose block the file ended inside (only checked at the end of the file).
     void NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, const CString& name);
 
     CArray<CSampleData> m_Samples;
     CDivBroParams* m_pParams = nullptr;
+    // Where the header of each sample read from a file starts, ascending: the writer counts only
+    // these headers as samples, so that it cuts the file where the reader did; after a write,
+    // where they start in the file written.
+    std::vector<int64_t> m_SampleStarts;
     CReadReport m_ReadReport;
 };
 

@@ -43,6 +43,10 @@ int CDelimitFile::SplitInto(std::string_view line, CStringArray& fields, int fir
     };
     const std::string_view delimiters = m_delimiters.view();
     while (!line.empty()) {
+        if (slot - firstIndex == kMaxFieldsPerLine - 1) {
+            store(line);
+            break;
+        }
         const size_t at = line.find_first_of(delimiters);
         if (at == std::string_view::npos) {
             store(line);
@@ -172,8 +176,32 @@ void CDelimitFile::MoveToNextSection() {
     } while (depth > 0);
 }
 
-void CDelimitFile::WriteLine(const char* text) {
-    WriteString(text);
+void CDelimitFile::SkipFollowingBlock() {
+    const int64_t before = GetPosition();
+    if (!ReadString(m_line))
+        return;
+    if (ClassifyLine(m_line.view()) != RECORD_BLOCK_START) {
+        Seek(before, CFile::begin);
+        return;
+    }
+    int depth = 1;
+    while (depth > 0 && ReadString(m_line)) {
+        const int type = ClassifyLine(m_line.view());
+        if (type == RECORD_BLOCK_START)
+            ++depth;
+        else if (type == RECORD_BLOCK_END)
+            --depth;
+    }
+}
+
+void CDelimitFile::WriteLine(const CString& text) {
+    if (text.view().find('\0') == std::string_view::npos) {
+        WriteString(text.c_str());
+    } else {
+        // A line of a damaged file may hold NUL bytes: they are written too, so that nothing
+        // after them is lost.
+        WriteBytes(text.view());
+    }
     WriteString(m_lineEnd);
 }
 

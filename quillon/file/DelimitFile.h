@@ -41,6 +41,11 @@ public:
     // Reading. Lines are read whole, of any length (ReadString of the base).
     using CStdioFileS::ReadString;
 
+    // The most fields one line is split into: the rest of a longer line stays whole in its last
+    // field. No section of a report has near as many columns; the limit keeps a line of a million
+    // delimiters from costing a million strings.
+    static constexpr int kMaxFieldsPerLine = 4096;
+
     // Splits text at the delimiters and appends the fields; returns the array's size afterwards.
     int ParseDelimitedString(CString text, CStringArray& fields);
     // As above, then classifies the line into *type (when type is not null) and strips the marker
@@ -66,8 +71,14 @@ public:
     void SkipToEndOfBlock();
     // Reads one line; when it opens a block, reads on to the line that closes that block.
     void MoveToNextSection();
+    // Passes over the block that follows, when the next line opens one; otherwise reads nothing,
+    // so a section without a block does not take the line after it along.
+    void SkipFollowingBlock();
 
-    // Writing: each writes one line followed by the line end.
+    // Writing: each writes one line followed by the line end ("\n" unless set otherwise; a copy
+    // of a file sets the line end that file was read with, GetLineEndRead).
+    void SetLineEnd(const char* lineEnd) { m_lineEnd = lineEnd; }
+    const CString& GetLineEnd() const { return m_lineEnd; }
     void WriteSectionHeader(const CString& name);
     void WriteComment(const CString& text);
     void WriteRecord(const CString& text);
@@ -99,7 +110,7 @@ private:
     // The kind of a line from its first field; for a marker line, the part of the field that
     // remains once the marker is stripped (for a header: its name) as an offset and a length.
     int ClassifyFirstField(std::string_view first, size_t& keepFrom, size_t& keepLength) const;
-    void WriteLine(const char* text);
+    void WriteLine(const CString& text);
     void WriteFormatted(const char* prefix, const char* format, va_list args);
 
     CString m_delimiters;

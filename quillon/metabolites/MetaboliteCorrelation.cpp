@@ -5,6 +5,7 @@
 
 #include <quillon/document/SampleData.h>
 #include <quillon/metabolites/MetaboliteDisplay.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdio>
 
@@ -157,8 +158,9 @@ void CMetaboliteData::ExpandCorrelationMasses() {
     for (int entry = 0; entry < m_CorrelationMasses.GetSize(); ++entry) {
         CDoubleArray& masses = m_ExpandedCorrelationMasses[entry];
         for (const CString& item : SplitItems(m_CorrelationMasses[entry])) {
-            double mass = 0.0;
-            if (std::sscanf(item, "%lf", &mass) == 1 && mass > 0.0)
+            size_t used = 0;
+            const double mass = ParseDouble(item.view(), used);
+            if (used > 0 && mass > 0.0)
                 masses.Add(mass);
         }
     }

@@ -2,6 +2,7 @@
 
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/document/SampleData.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 #include <utility>
@@ -44,7 +45,7 @@ void CMetaboliteData::SetmDa(double mDa) {
 }
 
 double CMetaboliteData::GetmDa() const {
-    return std::atof(m_strmDa);
+    return ParseDouble(m_strmDa);
 }
 
 void CMetaboliteData::SetPPM(double ppm) {
@@ -52,7 +53,7 @@ void CMetaboliteData::SetPPM(double ppm) {
 }
 
 double CMetaboliteData::GetPPM() const {
-    return std::atof(m_strPPM);
+    return ParseDouble(m_strPPM);
 }
 
 void CMetaboliteData::GetPeakAnnotationLabel(CString& label) const {

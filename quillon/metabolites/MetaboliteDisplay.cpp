@@ -3,6 +3,7 @@
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/metabolites/MetaboliteData.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cstdlib>
 
@@ -25,9 +26,9 @@ CString MassOfDescription(const CString& description) {
     mass.TrimRight();
     if (mass.IsEmpty())
         return CString();
-    char* end = nullptr;
-    std::strtod(mass, &end);
-    return *end == '\0' ? mass : CString();
+    size_t used = 0;
+    ParseDouble(mass.view(), used);
+    return used == mass.str().size() ? mass : CString();
 }
 
 } // namespace
@@ -84,9 +85,9 @@ void SetStringDecimalPlaces(CString& list, int decimals) {
         CString item = comma >= 0 ? list.Mid(start, comma - start) : list.Mid(start);
         item.TrimLeft();
         item.TrimRight();
-        char* end = nullptr;
-        const double value = std::strtod(item, &end);
-        if (!item.IsEmpty() && *end == '\0')
+        size_t used = 0;
+        const double value = ParseDouble(item.view(), used);
+        if (!item.IsEmpty() && used == item.str().size())
             FormatNumber(item, value, decimals);
         result += item;
         if (comma < 0)

@@ -2,8 +2,9 @@
 
 #include <quillon/metabolites/MetaboliteData.h>
 
-#include <quillon/platform/Elements.h>
-#include <quillon/platform/Formula.h>
+#include <quillon/chemistry/Elements.h>
+#include <quillon/chemistry/Formula.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -40,11 +41,11 @@ int CMetaboliteData::ElementalNewField(const CStringArray& fields) {
     if (count < 5)
         return 0;
     CElementalResultsData candidate;
-    candidate.SetMass(std::atof(fields[0]));
-    candidate.SetCalcMass(std::atof(fields[1]));
-    candidate.SetmDa(std::atof(fields[2]));
-    candidate.SetPPM(std::atof(fields[3]));
-    candidate.SetDBE(std::atof(fields[4]));
+    candidate.SetMass(ParseDouble(fields[0]));
+    candidate.SetCalcMass(ParseDouble(fields[1]));
+    candidate.SetmDa(ParseDouble(fields[2]));
+    candidate.SetPPM(ParseDouble(fields[3]));
+    candidate.SetDBE(ParseDouble(fields[4]));
     const CString formula = count > 5 ? fields[5] : CString();
     candidate.SetFormula(formula);
     CString monoMassFormula = count > 6 ? fields[6] : CString();
@@ -53,8 +54,8 @@ int CMetaboliteData::ElementalNewField(const CStringArray& fields) {
         monoMassFormula.Remove(' ');
     }
     candidate.SetMonoMassFormula(monoMassFormula);
-    candidate.SetiFIT(count > 7 ? std::atof(fields[7]) : -1.0);
-    candidate.SetiFITnorm(count > 8 ? std::atof(fields[8]) : -1.0);
+    candidate.SetiFIT(count > 7 ? ParseDouble(fields[7]) : -1.0);
+    candidate.SetiFITnorm(count > 8 ? ParseDouble(fields[8]) : -1.0);
     AddElementalResults(candidate);
     return 1;
 }

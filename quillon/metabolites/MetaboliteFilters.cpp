@@ -3,6 +3,7 @@
 #include <quillon/metabolites/MetaboliteData.h>
 
 #include <quillon/metabolites/DivBroParams.h>
+#include <quillon/platform/Numbers.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -49,7 +50,7 @@ bool CMetaboliteData::ApplyDataFilters(bool massDefectFilterOn, double massDefec
         if (!m_bExpected)
             testMassError = false;
     }
-    if (testMassError && std::fabs(std::atof(m_strmDa)) > massErrorLimit)
+    if (testMassError && std::fabs(ParseDouble(m_strmDa)) > massErrorLimit)
         return false;
 
     if (areaFilterOn && !m_bHiEnergy) {

@@ -36,4 +36,30 @@ CString GetWorkingDirectory() {
     return CString(std::filesystem::current_path(error).string());
 }
 
+CString GetMolfileDirectory() {
+    if (const auto& directory = Hooks().molfileDirectory)
+        return directory();
+    return CString("./");
+}
+
+void BeginProgress(const CString& text, int lower, int upper) {
+    if (const auto& begin = Hooks().beginProgress)
+        begin(text, lower, upper);
+}
+
+void StepProgress(int amount) {
+    if (const auto& step = Hooks().stepProgress)
+        step(amount);
+}
+
+void EndProgress() {
+    if (const auto& end = Hooks().endProgress)
+        end();
+}
+
+bool CancelRequested() {
+    const auto& cancel = Hooks().cancelRequested;
+    return cancel && cancel();
+}
+
 } // namespace quillon

@@ -21,6 +21,19 @@ struct HostHooks {
     // The host suite's working directory, where its settings file lives. Default: the current
     // working directory of the process.
     std::function<CString()> workingDirectory;
+    // The directory where embedded molfiles are extracted, used as a plain prefix of file names
+    // (so it ends with a path separator). Default: "./", the current working directory.
+    std::function<CString()> molfileDirectory;
+    // A long operation begins: shows the status text and a progress bar over [lower, upper].
+    // Default: nothing is shown.
+    std::function<void(const CString& text, int lower, int upper)> beginProgress;
+    // Advances the progress bar by the given amount. Default: nothing.
+    std::function<void(int amount)> stepProgress;
+    // The long operation ends: the bar and the status text go. Default: nothing.
+    std::function<void()> endProgress;
+    // Polled between items of a long operation: true when the user asked to cancel since the
+    // last poll. Default: never.
+    std::function<bool()> cancelRequested;
 };
 
 // Replaces the host hooks as a whole.
@@ -33,5 +46,14 @@ int ShowMessage(const CString& text, const CString& title, MessageIcon icon);
 
 // The host's working directory, through the working-directory hook.
 CString GetWorkingDirectory();
+
+// The molfile directory, through the molfile-directory hook.
+CString GetMolfileDirectory();
+
+// Progress and cancellation through their hooks (each does nothing, or answers false, by default).
+void BeginProgress(const CString& text, int lower, int upper);
+void StepProgress(int amount);
+void EndProgress();
+bool CancelRequested();
 
 } // namespace quillon

@@ -1,11 +1,16 @@
 #include <quillon/platform/ProfileFile.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
 #include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillon {
 
@@ -82,6 +87,67 @@ std::string OneLine(std::string_view text) {
     return line;
 }
 
+// Writes all of text to the descriptor; false on any error (a full disk, a file-size limit).
+bool WriteAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        text.remove_prefix(static_cast<size_t>(written));
+    }
+    return true;
+}
+
+// Creates a temporary file beside target, named after it and this process ("Tarnwick.ini.~1234-0"),
+// so that two writers never share one; its path goes to temporary. -1 when none can be created.
+int CreateTemporaryBeside(const fs::path& target, fs::path& temporary) {
+    constexpr int kAttempts = 64;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        temporary = target;
+        temporary += ".~" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
+        const int descriptor =
+            ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor >= 0 || errno != EEXIST)
+            return descriptor;
+    }
+    return -1;
+}
+
+// Makes a finished rename durable: syncs the folder that holds the file's name. Best effort.
+void SyncFolder(const fs::path& file) {
+    const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        ::fsync(descriptor);
+        ::close(descriptor);
+    }
+}
+
+// Replaces target with a file holding exactly content: written in full to a temporary file of
+// this process beside it, flushed to the disk, then renamed over the target, so that a crash or a
+// second writer at any moment leaves the old file or the new one whole. With mode, the new file
+// takes those permissions. False, with the target untouched and no temporary file left, when any
+// step fails.
+bool ReplaceFile(const fs::path& target, std::string_view content, const mode_t* mode) {
+    fs::path temporary;
+    const int descriptor = CreateTemporaryBeside(target, temporary);
+    if (descriptor < 0)
+        return false;
+    bool written = WriteAll(descriptor, content);
+    if (written && mode != nullptr)
+        written = ::fchmod(descriptor, *mode) == 0;
+    written = written && ::fsync(descriptor) == 0;
+    written = ::close(descriptor) == 0 && written;
+    if (!written || ::rename(temporary.c_str(), target.c_str()) != 0) {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    SyncFolder(target);
+    return true;
+}
+
 } // namespace
 
 CProfileFile::CProfileFile(std::string path) : m_path(std::move(path)) {}
@@ -140,30 +206,13 @@ bool CProfileFile::Save() const {
         std::fclose(probe);
     }
 
-    fs::path temporary = target;
-    temporary += ".tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        for (const Line& line : m_lines) {
-            out.write(line.text.data(), static_cast<std::streamsize>(line.text.size()));
-            out.write(line.ending.data(), static_cast<std::streamsize>(line.ending.size()));
-        }
-        out.flush();
-        if (!out) {
-            out.close();
-            fs::remove(temporary, error);
-            return false;
-        }
+    std::string content;
+    for (const Line& line : m_lines) {
+        content += line.text;
+        content += line.ending;
     }
-    if (exists)
-        fs::permissions(temporary, status.permissions(), error);
-    fs::rename(temporary, target, error);
-    if (error) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
-        return false;
-    }
-    return true;
+    const mode_t mode = exists ? static_cast<mode_t>(status.permissions() & fs::perms::all) : 0;
+    return ReplaceFile(target, content, exists ? &mode : nullptr);
 }
 
 std::string CProfileFile::GetString(std::string_view section, std::string_view key,
@@ -178,6 +227,22 @@ std::string CProfileFile::GetString(std::string_view section, std::string_view k
     std::string_view value;
     ParseKey(Content(index), name, value);
     return std::string(StripQuotes(value));
+}
+
+std::vector<std::pair<std::string, std::string>>
+CProfileFile::GetSectionValues(std::string_view section) const {
+    std::vector<std::pair<std::string, std::string>> values;
+    const size_t header = FindSection(section);
+    if (header == std::string::npos)
+        return values;
+    const size_t end = SectionEnd(header);
+    for (size_t i = header + 1; i < end; ++i) {
+        std::string_view name;
+        std::string_view value;
+        if (ParseKey(Content(i), name, value))
+            values.emplace_back(std::string(name), std::string(StripQuotes(value)));
+    }
+    return values;
 }
 
 void CProfileFile::WriteString(std::string_view section, std::string_view key,
@@ -226,9 +291,17 @@ void CProfileFile::ReplaceSection(std::string_view section, const std::vector<st
     m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(header + 1),
                   m_lines.begin() + static_cast<std::ptrdiff_t>(last));
 
-    size_t position = header + 1;
+    // All new lines go in at once: a section of many keys costs one pass, not one per key.
+    const std::string ending =
+        !m_lines.empty() && !m_lines.front().ending.empty() ? m_lines.front().ending : "\n";
+    if (!lines.empty() && m_lines[header].ending.empty())
+        m_lines[header].ending = ending;
+    std::vector<Line> added;
+    added.reserve(lines.size());
     for (const std::string& line : lines)
-        InsertLine(position++, OneLine(line));
+        added.push_back({OneLine(line), ending});
+    m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(header + 1),
+                   std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
 }
 
 std::string_view CProfileFile::Content(size_t index) const {
@@ -272,7 +345,11 @@ size_t CProfileFile::FindKey(size_t header, std::string_view key) const {
 size_t CProfileFile::AppendSection(std::string_view section) {
     if (!m_lines.empty() && !Trim(Content(m_lines.size() - 1)).empty())
         InsertLine(m_lines.size(), "");
-    InsertLine(m_lines.size(), "[" + OneLine(Trim(section)) + "]");
+    // Appended piece by piece: "[" + text + "]" trips a false -Wrestrict warning of GCC 12 at -O3.
+    std::string header = "[";
+    header += OneLine(Trim(section));
+    header += ']';
+    InsertLine(m_lines.size(), std::move(header));
     return m_lines.size() - 1;
 }
 

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quillon {
@@ -23,9 +24,11 @@ public:
     // when the file exists but cannot be read (nothing is held then).
     bool Load();
 
-    // Writes the lines to a temporary file beside the target and renames it over the target, so a
-    // crash leaves either the old file or the new one, never a mix. Creates a missing file. False,
-    // with the target untouched, when the target exists but is not writable or the write fails.
+    // Writes the lines to a temporary file beside the target, unique to this process, syncs it to
+    // the disk and renames it over the target, so that a crash or a second writer at any moment
+    // leaves either the old file or the new one whole, never a mix. Creates a missing file; keeps
+    // the permissions of an existing one. False, with the target byte for byte as it was, when the
+    // target exists but is not writable, its folder cannot take a new file, or the write fails.
     bool Save() const;
 
     // The value of key in section, without surrounding blanks and without one pair of enclosing
@@ -37,6 +40,11 @@ public:
     // after the last key of the section (right after its header when it has none); a missing
     // section is added at the end of the file.
     void WriteString(std::string_view section, std::string_view key, std::string_view value);
+
+    // Every key of section with its value (as GetString gives it), in file order; empty when the
+    // section is missing. One pass over the file, however many keys the section holds.
+    std::vector<std::pair<std::string, std::string>>
+    GetSectionValues(std::string_view section) const;
 
     // Replaces the body of section (keys and comments alike) with the given lines, written as they
     // are ("key=value"). With no lines the section stays as an empty header. The blank lines that

@@ -154,6 +154,10 @@ BOOL CStdioFile::ReadString(CString& line) {
     }
     m_lastLineLength = static_cast<int64_t>(read);
     size_t length = static_cast<size_t>(read);
+    if (!m_bLineEndKnown && m_lineBuffer[length - 1] == '\n') {
+        m_bLineEndKnown = true;
+        m_bCrLfRead = length >= 2 && m_lineBuffer[length - 2] == '\r';
+    }
     if (m_bTextMode)
         length = DropCarriageReturn(m_lineBuffer, length);
     if (length > 0 && m_lineBuffer[length - 1] == '\n')
@@ -166,6 +170,13 @@ void CStdioFile::WriteString(const char* text) {
     if (m_pStream == nullptr)
         ThrowError("write", EBADF);
     if (text != nullptr && std::fputs(text, m_pStream) == EOF)
+        ThrowError("write", errno);
+}
+
+void CStdioFile::WriteBytes(std::string_view bytes) {
+    if (m_pStream == nullptr)
+        ThrowError("write", EBADF);
+    if (std::fwrite(bytes.data(), 1, bytes.size(), m_pStream) != bytes.size())
         ThrowError("write", errno);
 }
 

@@ -4,12 +4,14 @@
 #include <quillon/platform/FileException.h>
 
 #include <cstdio>
+#include <string_view>
 
 namespace quillon {
 
 // A file read and written through a C stream. In text mode (the default) a line that ends in
-// carriage return and line feed reads exactly like one that ends in a line feed; writing always
-// uses line feeds. Errors of the file itself throw CFileException.
+// carriage return and line feed reads exactly like one that ends in a line feed, and the file
+// remembers which of the two its first line had; writing writes the text as it stands. Errors of
+// the file itself throw CFileException.
 class CStdioFile : public CFile {
     QUILLON_DECLARE_DYNAMIC(CStdioFile)
 
@@ -34,8 +36,13 @@ public:
     // The bytes the last whole-line ReadString consumed, its line end ("\n" or "\r\n")
     // included; 0 after end of file.
     int64_t GetLastLineLength() const { return m_lastLineLength; }
-    // Writes the text as it stands.
+    // Writes the text as it stands (up to its first NUL byte).
     virtual void WriteString(const char* text);
+    // Writes the bytes as they are, NUL bytes included.
+    void WriteBytes(std::string_view bytes);
+    // The line end of the first line that ReadString(CString&) read with one: "\r\n" or "\n";
+    // "\n" before such a line was read.
+    const char* GetLineEndRead() const { return m_bCrLfRead ? "\r\n" : "\n"; }
 
     int64_t GetPosition() const override;
     int64_t Seek(int64_t offset, UINT from) override;
@@ -55,6 +62,8 @@ private:
     void CloseQuietly() noexcept;
 
     int64_t m_lastLineLength = 0;
+    bool m_bLineEndKnown = false;
+    bool m_bCrLfRead = false;
     char* m_lineBuffer = nullptr; // reused by ReadString(CString&) from line to line
     size_t m_lineCapacity = 0;
 };

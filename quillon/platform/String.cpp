@@ -1,3 +1,4 @@
+#include <quillon/platform/Numbers.h>
 #include <quillon/platform/String.h>
 
 #include <algorithm>
@@ -78,6 +79,9 @@ void CString::FormatV(const char* format, va_list args) {
         m_text.clear();
         return;
     }
+    // Numbers are formatted with a "." in every locale: texts written here are read back as
+    // numbers.
+    const CNumericLocaleScope numericLocale;
     va_list measure;
     va_copy(measure, args);
     const int length = std::vsnprintf(nullptr, 0, format, measure);

@@ -76,6 +76,14 @@ TEST(DelimitFileTest, SplittingRules) {
     EXPECT_EQ(file.ParseDelimitedString("a\tb", fields), 2);
     EXPECT_EQ(file.ParseDelimitedString("c", fields), 3);
     EXPECT_EQ(fields[2], "c");
+
+    // A line of a million delimiters costs a bounded number of fields: the rest stays whole.
+    const std::string tabs(1'000'000, '\t');
+    const std::string line = "a" + tabs + "b";
+    const Fields many = Parse(line.c_str()).fields;
+    ASSERT_EQ(many.size(), static_cast<size_t>(CDelimitFile::kMaxFieldsPerLine));
+    EXPECT_EQ(many.front(), "a");
+    EXPECT_EQ(many.back(), tabs.substr(CDelimitFile::kMaxFieldsPerLine - 1) + "b");
 }
 
 TEST(DelimitFileTest, ReadsLinesOfAnyLengthAcrossPieces) {

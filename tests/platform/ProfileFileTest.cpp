@@ -1,18 +1,39 @@
 #include <quillon/platform/ProfileFile.h>
 
+#include <support/ChildProcess.h>
 #include <support/TempFile.h>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
+#include <vector>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ExitStatus;
+using testing::kNoRights;
+using testing::RunInChild;
+using testing::StartChild;
+
+// The names in a folder besides the given one: what a save left behind.
+std::vector<std::string> OtherFiles(const fs::path& folder, const std::string& name) {
+    std::vector<std::string> others;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (entry.path().filename() != name)
+            others.push_back(entry.path().filename().string());
+    }
+    return others;
+}
 
 class ProfileFileTest : public ::testing::Test {
 protected:
@@ -170,11 +191,13 @@ TEST_F(ProfileFileTest, SavingCreatesReplacesAndRefusesWhatItMustNotTouch) {
     ASSERT_TRUE(file.Load());
     EXPECT_EQ(file.GetString("S", "k", "default"), "default");
     file.WriteString("S", "k", "v");
-    // A temporary file left behind by an interrupted save does not get in the way.
-    std::ofstream(m_path + ".tmp") << "stale";
+    // A temporary file left behind by an interrupted save of this process does not get in the way.
+    const std::string stale = m_path + ".~" + std::to_string(::getpid()) + "-0";
+    std::ofstream(stale) << "stale";
     ASSERT_TRUE(file.Save());
     EXPECT_EQ(ReadFile(), "[S]\nk=v\n");
-    EXPECT_FALSE(fs::exists(m_path + ".tmp"));
+    EXPECT_EQ(OtherFiles(m_directory, "settings.ini"),
+              std::vector<std::string>{stale.substr(stale.rfind('/') + 1)});
 
     // A directory that does not exist cannot take the file; a directory is not a settings file.
     CProfileFile nowhere((m_directory / "missing" / "settings.ini").string());
@@ -186,17 +209,94 @@ TEST_F(ProfileFileTest, SavingCreatesReplacesAndRefusesWhatItMustNotTouch) {
     EXPECT_FALSE(folder.Save());
 }
 
-TEST_F(ProfileFileTest, ReadOnlyFileIsLeftAlone) {
-    WriteFile("[S]\nk=v\n");
+// A save that cannot finish, for whatever reason, leaves the original byte for byte and no
+// temporary file: a folder that takes no new file, a read-only file, and a file-size limit that
+// makes the write fail half-way.
+TEST_F(ProfileFileTest, AFailedSaveLeavesTheOriginalByteForByte) {
+    const std::string original = "; settings\r\n[S]\r\nk=v\r\n";
+    WriteFile(original);
     CProfileFile file = Loaded();
-    fs::permissions(m_path, fs::perms::owner_read | fs::perms::group_read);
-    if (std::FILE* probe = std::fopen(m_path.c_str(), "r+")) {
-        std::fclose(probe);
-        GTEST_SKIP() << "running with rights that ignore file permissions";
+    file.WriteString("S", "k", std::string(64 * 1024, 'x'));
+    const auto save = [&file] { return file.Save(); };
+    const std::string name = fs::path(m_path).filename().string();
+
+    struct Case {
+        const char* what;
+        fs::perms folder;
+        fs::perms target;
+    };
+    const fs::perms all = fs::perms::all;
+    const fs::perms readOnly =
+        fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+    const fs::perms folderReadOnly =
+        readOnly | fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
+    for (const Case& failure : {Case{"folder without write permission", folderReadOnly, all},
+                                Case{"read-only file", all, readOnly}}) {
+        SCOPED_TRACE(failure.what);
+        fs::permissions(m_directory, failure.folder);
+        fs::permissions(m_path, failure.target);
+        const int saved = RunInChild(true, save);
+        fs::permissions(m_directory, all);
+        if (saved == kNoRights)
+            GTEST_SKIP() << "cannot give up the rights of the superuser";
+        EXPECT_EQ(saved, 0);
+        EXPECT_EQ(ReadFile(), original);
+        EXPECT_TRUE(OtherFiles(m_directory, name).empty());
     }
-    file.WriteString("S", "k", "changed");
-    EXPECT_FALSE(file.Save());
-    EXPECT_EQ(ReadFile(), "[S]\nk=v\n");
+
+    // The limit lies beyond the old file's size but inside the new one's: the temporary file is
+    // cut short, the original never touched. The signal the limit raises is ignored, as a program
+    // that sets such limits does.
+    fs::permissions(m_path, fs::perms::owner_read | fs::perms::owner_write);
+    const int limited = RunInChild(false, [&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{16 * 1024, 16 * 1024};
+        return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 && file.Save();
+    });
+    EXPECT_EQ(limited, 0);
+    EXPECT_EQ(ReadFile(), original);
+    EXPECT_TRUE(OtherFiles(m_directory, name).empty());
+
+    // Without the obstacles the same save succeeds and keeps the file's permissions.
+    ASSERT_TRUE(file.Save());
+    EXPECT_EQ(Loaded().GetString("S", "k", ""), std::string(64 * 1024, 'x'));
+    EXPECT_EQ(fs::status(m_path).permissions() & fs::perms::all,
+              fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(OtherFiles(m_directory, name).empty());
+}
+
+// Two processes saving the same file over and over while a third reads it: every read finds one
+// writer's file whole, never a mix or a cut, and no temporary file is left.
+TEST_F(ProfileFileTest, TwoWritersLeaveOneWholeFileAtEveryMoment) {
+    const auto contentOf = [](char fill) {
+        return "[S]\nk=" + std::string(256 * 1024, fill) + "\n";
+    };
+    WriteFile(contentOf('a'));
+    // Each writer answers true when a save failed; the reader when it found a broken file.
+    const auto writer = [&](char fill) {
+        return StartChild(false, [&] {
+            CProfileFile file(m_path);
+            file.WriteString("S", "k", std::string(256 * 1024, fill));
+            bool failed = false;
+            for (int i = 0; i < 40; ++i)
+                failed = !file.Save() || failed;
+            return failed;
+        });
+    };
+    const pid_t first = writer('b');
+    const pid_t second = writer('c');
+    const pid_t reader = StartChild(false, [&] {
+        for (int i = 0; i < 400; ++i) {
+            const std::string content = ReadFile();
+            if (content != contentOf('a') && content != contentOf('b') && content != contentOf('c'))
+                return true;
+        }
+        return false;
+    });
+    EXPECT_EQ(ExitStatus(first), 0);
+    EXPECT_EQ(ExitStatus(second), 0);
+    EXPECT_EQ(ExitStatus(reader), 0) << "a read found a broken file";
+    EXPECT_TRUE(OtherFiles(m_directory, "settings.ini").empty());
 }
 
 } // namespace

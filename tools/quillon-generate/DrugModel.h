@@ -1,6 +1,6 @@
 #pragma once
 
-#include <quillon/platform/Formula.h>
+#include <quillon/chemistry/Formula.h>
 
 #include <string>
 #include <vector>

@@ -20,7 +20,11 @@ constexpr const char* kUsage =
     "      --spectra N        extra survey spectra per mass spectrometry function (default 1)\n"
     "      --noise-peaks N    random noise peaks per mass spectrum (default 12)\n"
     "      --seed N           random seed (default 20260312)\n"
+    "      --half-life MIN    the parent's half-life in the incubations (default 55)\n"
+    "      --variation X      scale of the sample-to-sample variation, 0 for none (default 1)\n"
     "      --crlf             write Windows line ends\n"
+    "      --bulk-metabolites N write one sample of N metabolites, each with its high-energy\n"
+    "                         partner and product-ion spectrum, and nothing else\n"
     "  -h, --help             show this text\n";
 
 template <typename T>
@@ -73,6 +77,12 @@ bool ParseCommandLine(int argc, const char* const argv[], GeneratorOptions& opti
             ok = ParseNumber(value, options.surveySpectra, 0, 100000);
         } else if (option == "--noise-peaks") {
             ok = ParseNumber(value, options.noisePeaks, 0, 100000);
+        } else if (option == "--bulk-metabolites") {
+            ok = ParseNumber(value, options.bulkMetabolites, 0, 10000000);
+        } else if (option == "--half-life") {
+            ok = ParseNumber(value, options.halfLifeMinutes, 0.1, 1.0e6);
+        } else if (option == "--variation") {
+            ok = ParseNumber(value, options.variation, 0.0, 10.0);
         } else if (option == "--seed") {
             ok = ParseNumber<uint64_t>(value, options.seed, 0, UINT64_MAX);
         } else {

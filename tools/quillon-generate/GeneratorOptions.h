@@ -17,6 +17,14 @@ struct GeneratorOptions {
     int noisePeaks = 12;   // random peaks in every mass spectrum
     uint64_t seed = 20260312;
     bool windowsLineEnds = false;
+    // Above 0: the report holds one bulk sample of this many metabolites with their high-energy
+    // partners and product-ion spectra, and nothing else.
+    int bulkMetabolites = 0;
+    // The parent's first-order half-life in the incubations, minutes.
+    double halfLifeMinutes = 55.0;
+    // Scale of the sample-to-sample variation of amounts (the injection spread of +-7% and the
+    // spread of +-5% per peak): 1 as usual, 0 for none.
+    double variation = 1.0;
 };
 
 // Parses the command line into options. Returns false with a message (the usage text, or the

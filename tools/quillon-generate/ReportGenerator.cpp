@@ -1,5 +1,6 @@
 #include "ReportGenerator.h"
 
+#include "BulkSampleWriter.h"
 #include "DrugModel.h"
 #include "ReportFile.h"
 #include "SamplePlan.h"
@@ -29,8 +30,11 @@ BatchSummary GenerateBatch(const GeneratorOptions& options) {
     file.WriteComment(batch);
     file.WriteRecord(CString(""));
 
+    if (options.bulkMetabolites > 0) {
+        WriteBulkSample(file, drug, options);
+    }
     CSampleWriter writer(file, drug, searched, options, reportName);
-    for (int index = 0; index < options.samples; ++index) {
+    for (int index = 0; options.bulkMetabolites == 0 && index < options.samples; ++index) {
         const SamplePlan plan = PlanSample(drug, searched, options, index);
         summary.samples.push_back(writer.Write(plan, index));
     }

@@ -10,10 +10,10 @@ namespace quillon::generate {
 namespace {
 
 constexpr double kRunMinutes = 20.0;
-constexpr double kFoundHeight = 4000.0;     // smallest apex the processing reports as found
-constexpr double kFragmentHeight = 25000.0; // smallest apex with a usable product-ion spectrum
-constexpr double kParentHeight = 2.4e6;     // parent apex before any turnover
-constexpr double kHalfLifeMinutes = 55.0;
+constexpr double kFoundHeight = 4000.0;      // smallest apex the processing reports as found
+constexpr double kFragmentHeight = 25000.0;  // smallest apex with a usable product-ion spectrum
+constexpr double kParentHeight = 2.4e6;      // parent apex before any turnover
+constexpr double kTypicalSigma = 0.040;      // minutes: the mean peak width the heights refer to
 constexpr double kTicListedHeight = 30000.0; // smallest peak listed on a total ion current
 constexpr double kSubjectTimes[] = {0.0, 15.0, 30.0, 60.0, 120.0};
 
@@ -81,7 +81,8 @@ Component MakeComponent(ComponentKind kind, int change, std::string name, const 
     c.observedMz = c.exactMz * (1.0 + random.Normal() * 1.2e-6);
     c.retentionTime = std::clamp(retentionTime, 1.0, kRunMinutes - 1.0);
     c.sigma = random.Uniform(0.030, 0.050);
-    c.xicHeight = height;
+    // The peak's area, not its apex, follows the amount: a wider peak is lower.
+    c.xicHeight = height * kTypicalSigma / c.sigma;
     c.hasFragments = height >= kFragmentHeight;
     return c;
 }
@@ -135,8 +136,14 @@ SamplePlan PlanSample(const CDrugModel& drug, const std::vector<Biotransformatio
     CRandom random = CRandom::Derived(options.seed, kSampleVariation, static_cast<uint64_t>(index));
     // The control is incubated without cofactor for the longest time: no turnover at all.
     const double turnover =
-        plan.control ? 0.0 : 1.0 - std::exp(-std::log(2.0) * plan.subjectTime / kHalfLifeMinutes);
-    const double sampleScale = random.Uniform(0.93, 1.07);
+        plan.control ? 0.0
+                     : 1.0 - std::exp(-std::log(2.0) * plan.subjectTime / options.halfLifeMinutes);
+    // Variation drawn as usual, then scaled when asked (the usual draws stay, so a seed gives
+    // the same batch).
+    auto varied = [&](double draw) {
+        return options.variation == 1.0 ? draw : 1.0 + (draw - 1.0) * options.variation;
+    };
+    const double sampleScale = varied(random.Uniform(0.93, 1.07));
 
     for (size_t k = 0; k < searched.size(); ++k) {
         Search search{static_cast<int>(k), {}};
@@ -145,7 +152,7 @@ SamplePlan PlanSample(const CDrugModel& drug, const std::vector<Biotransformatio
         const CFormula neutral = drug.Apply(searched[k]);
         for (size_t i = 0; i < yield.isomerShares.size(); ++i) {
             const double height = kParentHeight * sampleScale * amount * yield.response *
-                                  yield.isomerShares[i] * random.Uniform(0.95, 1.05);
+                                  yield.isomerShares[i] * varied(random.Uniform(0.95, 1.05));
             if (height < kFoundHeight || !neutral.IsNonNegative()) {
                 continue;
             }

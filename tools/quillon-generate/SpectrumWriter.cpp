@@ -1,6 +1,6 @@
 #include "SpectrumWriter.h"
 
-#include <quillon/platform/IsotopeModel.h>
+#include <quillon/chemistry/IsotopeModel.h>
 
 #include <algorithm>
 #include <cmath>

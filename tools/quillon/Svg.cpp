@@ -3,42 +3,23 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <sstream>
 
 namespace quillon::tool {
 
 namespace {
 
-// Figure size and the plot area's margins, in pixels.
-constexpr double kWidth = 960, kHeight = 540;
-constexpr double kLeft = 90, kRight = 30, kTop = 60, kBottom = 70;
-// Approximate size of a label's characters at the label font size.
-constexpr double kCharWidth = 6.6, kLabelHeight = 13, kLabelGap = 6;
-constexpr int kLabelRaises = 3;
+constexpr double kWidth = 960;
+constexpr double kHeight = 540;
+constexpr double kLeft = 90;
+constexpr double kRight = 30;
+constexpr double kTop = 50;
+constexpr double kBottom = 70;
 
-std::string Number(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f", value);
-    return text;
-}
-
-// A tick's text with as few decimals as the tick step needs.
-std::string TickText(double value, double step) {
-    const int decimals = step >= 1 ? 0 : static_cast<int>(std::ceil(-std::log10(step) - 1e-9));
-    char text[32];
-    if (std::fabs(value) >= 1e6 && step >= 1)
-        std::snprintf(text, sizeof text, "%.3g", value);
-    else
-        std::snprintf(text, sizeof text, "%.*f", decimals,
-                      std::fabs(value) < step / 2 ? 0.0 : value);
-    return text;
-}
-
-} // namespace
-
-std::string XmlEscape(const std::string& text) {
+std::string Escape(const std::string& text) {
     std::string out;
-    for (char c : text) {
-        switch (c) {
+    for (char ch : text) {
+        switch (ch) {
         case '&':
             out += "&amp;";
             break;
@@ -52,165 +33,158 @@ std::string XmlEscape(const std::string& text) {
             out += "&quot;";
             break;
         default:
-            // Control characters are not allowed in XML 1.0.
-            if (static_cast<unsigned char>(c) >= 0x20 || c == '\t')
-                out += c;
+            if (static_cast<unsigned char>(ch) >= 0x20 || ch == '\t')
+                out += ch;
         }
     }
     return out;
 }
 
-SvgChart::SvgChart(std::string title, std::string xLabel, std::string yLabel)
-    : m_title(std::move(title)), m_xLabel(std::move(xLabel)), m_yLabel(std::move(yLabel)) {}
-
-void SvgChart::SetRanges(double xLow, double xHigh, double yLow, double yHigh) {
-    m_xLow = xLow;
-    m_xHigh = xHigh > xLow ? xHigh : xLow + 1;
-    m_yLow = yLow;
-    m_yHigh = yHigh > yLow ? yHigh : yLow + 1;
+std::string Number(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f", value);
+    return text;
 }
 
-double SvgChart::X(double x) const {
-    return kLeft + (x - m_xLow) / (m_xHigh - m_xLow) * (kWidth - kLeft - kRight);
-}
-
-double SvgChart::Y(double y) const {
-    const double clamped = std::clamp(y, m_yLow, m_yHigh);
-    return kHeight - kBottom - (clamped - m_yLow) / (m_yHigh - m_yLow) * (kHeight - kTop - kBottom);
-}
-
-void SvgChart::AddLine(const std::vector<double>& x, const std::vector<double>& y,
-                       const std::string& colour) {
-    m_body += "<polyline fill=\"none\" stroke=\"" + colour +
-              "\" stroke-width=\"1.2\" stroke-linejoin=\"round\" points=\"";
-    for (size_t i = 0; i < x.size() && i < y.size(); ++i) {
-        if (x[i] < m_xLow || x[i] > m_xHigh)
-            continue;
-        m_body += Number(X(x[i])) + "," + Number(Y(y[i])) + " ";
-    }
-    m_body += "\"/>\n";
-}
-
-void SvgChart::AddStick(double x, double y, const std::string& colour) {
-    m_body += "<line x1=\"" + Number(X(x)) + "\" y1=\"" + Number(Y(m_yLow)) + "\" x2=\"" +
-              Number(X(x)) + "\" y2=\"" + Number(Y(y)) + "\" stroke=\"" + colour +
-              "\" stroke-width=\"1.5\"/>\n";
-}
-
-void SvgChart::AddMarker(double x, double y, const std::string& colour) {
-    const double px = X(x), py = Y(y) - 3;
-    m_body += "<path class=\"peak\" d=\"M" + Number(px) + "," + Number(py) +
-              " l-4,-7 h8 z\" fill=\"" + colour + "\"/>\n";
-}
-
-bool SvgChart::AddLabel(double x, double y, const std::string& text) {
-    const double width = kCharWidth * static_cast<double>(text.size()) + kLabelGap;
-    const double centre = std::clamp(X(x), kLeft + width / 2, kWidth - kRight - width / 2);
-    // Over the point, or raised a line or two when an earlier label is in the way.
-    for (int raise = 0; raise < kLabelRaises; ++raise) {
-        const double bottom = std::max(Y(y) - 12 - raise * kLabelHeight, kTop + kLabelHeight);
-        const Box box{centre - width / 2, bottom - kLabelHeight, centre + width / 2, bottom};
-        const bool overlaps =
-            std::any_of(m_labels.begin(), m_labels.end(), [&box](const Box& other) {
-                return box.left < other.right && other.left < box.right && box.top < other.bottom &&
-                       other.top < box.bottom;
-            });
-        if (overlaps)
-            continue;
-        m_labels.push_back(box);
-        m_body += "<text class=\"label\" x=\"" + Number(centre) + "\" y=\"" + Number(bottom - 2) +
-                  "\" text-anchor=\"middle\">" + XmlEscape(text) + "</text>\n";
-        return true;
-    }
-    return false;
-}
-
-void SvgChart::AddLegend(const std::string& text, const std::string& colour) {
-    const double y = kTop + 14 + 16 * m_legendLines++;
-    const double x = kWidth - kRight - 200;
-    m_legend += "<line x1=\"" + Number(x) + "\" y1=\"" + Number(y - 4) + "\" x2=\"" +
-                Number(x + 20) + "\" y2=\"" + Number(y - 4) + "\" stroke=\"" + colour +
-                "\" stroke-width=\"2\"/>\n<text class=\"legend\" x=\"" + Number(x + 26) +
-                "\" y=\"" + Number(y) + "\">" + XmlEscape(text) + "</text>\n";
-}
-
-std::vector<double> SvgChart::Ticks(double low, double high, int count) {
-    std::vector<double> ticks;
-    if (!(high > low) || count < 1)
-        return ticks;
-    const double rough = (high - low) / count;
-    const double power = std::pow(10.0, std::floor(std::log10(rough)));
-    double step = power;
+// A tick step of 1, 2 or 5 times a power of ten giving about six ticks over the span.
+double TickStep(double span) {
+    if (!(span > 0))
+        return 1;
+    const double raw = span / 6;
+    const double power = std::pow(10.0, std::floor(std::log10(raw)));
     for (double factor : {1.0, 2.0, 5.0, 10.0})
-        if (factor * power >= rough) {
-            step = factor * power;
-            break;
-        }
-    for (double tick = std::ceil(low / step - 1e-9) * step; tick <= high + step * 1e-9;
-         tick += step)
-        ticks.push_back(tick);
-    return ticks;
+        if (raw <= factor * power)
+            return factor * power;
+    return 10 * power;
 }
 
-std::string SvgChart::Render() const {
-    const double plotBottom = kHeight - kBottom, plotRight = kWidth - kRight;
-    std::string svg = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                      "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
-                      Number(kWidth) + "\" height=\"" + Number(kHeight) + "\" viewBox=\"0 0 " +
-                      Number(kWidth) + " " + Number(kHeight) +
-                      "\" font-family=\"Helvetica, Arial, sans-serif\">\n"
-                      "<style>text{fill:#222} .tick{font-size:12px} .axis{font-size:14px} "
-                      ".title{font-size:17px;font-weight:bold} .label{font-size:11px;fill:#333} "
-                      ".legend{font-size:12px}</style>\n"
-                      "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
-    svg += "<text class=\"title\" x=\"" + Number(kLeft) + "\" y=\"32\">" + XmlEscape(m_title) +
-           "</text>\n";
+std::string TickText(double value, double step) {
+    char text[32];
+    const int decimals = step >= 1 ? 0 : static_cast<int>(std::ceil(-std::log10(step)));
+    if (std::fabs(value) >= 1e6)
+        std::snprintf(text, sizeof text, "%.2g", value);
+    else
+        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    return text;
+}
 
-    // Grid lines and ticks.
-    svg += "<g class=\"axes\" stroke=\"#222\">\n";
-    const std::vector<double> xTicks = Ticks(m_xLow, m_xHigh, 10);
-    const std::vector<double> yTicks = Ticks(m_yLow, m_yHigh, 6);
-    const double xStep = xTicks.size() > 1 ? xTicks[1] - xTicks[0] : 1;
-    const double yStep = yTicks.size() > 1 ? yTicks[1] - yTicks[0] : 1;
-    // Large intensities are shown as multiples of a power of ten named in the axis title.
-    const int exponent = m_yHigh >= 1e4 ? static_cast<int>(std::floor(std::log10(m_yHigh))) : 0;
-    const double yUnit = std::pow(10.0, exponent);
-    std::string tickTexts;
-    for (double tick : xTicks) {
-        svg += "<line x1=\"" + Number(X(tick)) + "\" y1=\"" + Number(plotBottom) + "\" x2=\"" +
-               Number(X(tick)) + "\" y2=\"" + Number(plotBottom + 6) + "\"/>\n";
-        tickTexts += "<text class=\"tick\" x=\"" + Number(X(tick)) + "\" y=\"" +
-                     Number(plotBottom + 21) + "\" text-anchor=\"middle\">" +
-                     TickText(tick, xStep) + "</text>\n";
-    }
-    for (double tick : yTicks) {
-        svg += "<line x1=\"" + Number(kLeft - 6) + "\" y1=\"" + Number(Y(tick)) + "\" x2=\"" +
-               Number(kLeft) + "\" y2=\"" + Number(Y(tick)) + "\"/>\n";
-        svg += "<line x1=\"" + Number(kLeft) + "\" y1=\"" + Number(Y(tick)) + "\" x2=\"" +
-               Number(plotRight) + "\" y2=\"" + Number(Y(tick)) +
-               "\" stroke=\"#e4e4e4\" stroke-width=\"0.8\"/>\n";
-        tickTexts += "<text class=\"tick\" x=\"" + Number(kLeft - 10) + "\" y=\"" +
-                     Number(Y(tick) + 4) + "\" text-anchor=\"end\">" +
-                     TickText(tick / yUnit, yStep / yUnit) + "</text>\n";
-    }
-    svg += "<line x1=\"" + Number(kLeft) + "\" y1=\"" + Number(plotBottom) + "\" x2=\"" +
-           Number(plotRight) + "\" y2=\"" + Number(plotBottom) + "\"/>\n";
-    svg += "<line x1=\"" + Number(kLeft) + "\" y1=\"" + Number(kTop) + "\" x2=\"" + Number(kLeft) +
-           "\" y2=\"" + Number(plotBottom) + "\"/>\n</g>\n";
-    svg += tickTexts;
-    svg += "<text class=\"axis\" x=\"" + Number((kLeft + plotRight) / 2) + "\" y=\"" +
-           Number(kHeight - 20) + "\" text-anchor=\"middle\">" + XmlEscape(m_xLabel) + "</text>\n";
-    svg += "<text class=\"axis\" transform=\"translate(24," + Number((kTop + plotBottom) / 2) +
-           ") rotate(-90)\" text-anchor=\"middle\">" + XmlEscape(m_yLabel) +
-           (exponent != 0 ? " (\u00d710<tspan baseline-shift=\"super\" font-size=\"10px\">" +
-                                std::to_string(exponent) + "</tspan>)"
-                          : std::string()) +
-           "</text>\n";
+} // namespace
 
-    svg += "<g class=\"data\">\n" + m_body + "</g>\n";
-    svg += m_legend;
-    svg += "</svg>\n";
-    return svg;
+std::string ChartSvg(const Chart& chart) {
+    double xMin = 1e300, xMax = -1e300, yMin = 0, yMax = -1e300;
+    auto extend = [&](double x, double y) {
+        if (!std::isfinite(x) || !std::isfinite(y))
+            return;
+        xMin = std::min(xMin, x);
+        xMax = std::max(xMax, x);
+        yMin = std::min(yMin, y);
+        yMax = std::max(yMax, y);
+    };
+    for (const auto& line : chart.lines)
+        for (const auto& [x, y] : line)
+            extend(x, y);
+    for (const auto& [x, y] : chart.sticks)
+        extend(x, y);
+    for (const auto& [x, y] : chart.points)
+        extend(x, y);
+    if (xMin > xMax) {
+        xMin = 0;
+        xMax = 1;
+    }
+    if (yMax <= yMin)
+        yMax = yMin + 1;
+    if (xMax == xMin)
+        xMax = xMin + 1;
+    yMax += (yMax - yMin) * 0.08; // room for labels
+    const double plotWidth = kWidth - kLeft - kRight;
+    const double plotHeight = kHeight - kTop - kBottom;
+    auto px = [&](double x) { return kLeft + (x - xMin) / (xMax - xMin) * plotWidth; };
+    auto py = [&](double y) { return kTop + plotHeight - (y - yMin) / (yMax - yMin) * plotHeight; };
+
+    std::ostringstream svg;
+    svg << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << kWidth << "\" height=\""
+        << kHeight << "\" viewBox=\"0 0 " << kWidth << ' ' << kHeight
+        << "\" font-family=\"Helvetica, Arial, sans-serif\">\n"
+        << "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n"
+        << "<text x=\"" << kWidth / 2 << "\" y=\"28\" text-anchor=\"middle\" font-size=\"18\" "
+        << "font-weight=\"bold\">" << Escape(chart.title) << "</text>\n";
+    // Axes, ticks and grid.
+    svg << "<g stroke=\"#222\" stroke-width=\"1\">\n"
+        << "<line x1=\"" << kLeft << "\" y1=\"" << kTop + plotHeight << "\" x2=\""
+        << kLeft + plotWidth << "\" y2=\"" << kTop + plotHeight << "\"/>\n"
+        << "<line x1=\"" << kLeft << "\" y1=\"" << kTop << "\" x2=\"" << kLeft << "\" y2=\""
+        << kTop + plotHeight << "\"/>\n</g>\n";
+    svg << "<g font-size=\"12\" fill=\"#222\">\n";
+    const double xStep = TickStep(xMax - xMin);
+    for (double x = std::ceil(xMin / xStep) * xStep; x <= xMax + 1e-9 * xStep; x += xStep) {
+        svg << "<line x1=\"" << Number(px(x)) << "\" y1=\"" << kTop + plotHeight << "\" x2=\""
+            << Number(px(x)) << "\" y2=\"" << kTop + plotHeight + 5 << "\" stroke=\"#222\"/>"
+            << "<text x=\"" << Number(px(x)) << "\" y=\"" << kTop + plotHeight + 20
+            << "\" text-anchor=\"middle\">" << TickText(x, xStep) << "</text>\n";
+    }
+    const double yStep = TickStep(yMax - yMin);
+    for (double y = std::ceil(yMin / yStep) * yStep; y <= yMax + 1e-9 * yStep; y += yStep) {
+        svg << "<line x1=\"" << kLeft - 5 << "\" y1=\"" << Number(py(y)) << "\" x2=\"" << kLeft
+            << "\" y2=\"" << Number(py(y)) << "\" stroke=\"#222\"/>"
+            << "<line x1=\"" << kLeft << "\" y1=\"" << Number(py(y)) << "\" x2=\""
+            << kLeft + plotWidth << "\" y2=\"" << Number(py(y)) << "\" stroke=\"#e6e6e6\"/>"
+            << "<text x=\"" << kLeft - 8 << "\" y=\"" << Number(py(y) + 4)
+            << "\" text-anchor=\"end\">" << TickText(y, yStep) << "</text>\n";
+    }
+    svg << "<text x=\"" << kLeft + plotWidth / 2 << "\" y=\"" << kHeight - 20
+        << "\" text-anchor=\"middle\" font-size=\"14\">" << Escape(chart.xLabel) << "</text>\n"
+        << "<text transform=\"translate(22," << kTop + plotHeight / 2
+        << ") rotate(-90)\" text-anchor=\"middle\" font-size=\"14\">" << Escape(chart.yLabel)
+        << "</text>\n</g>\n";
+    // Data.
+    const char* colours[] = {"#1f5fa8", "#c0392b", "#2e8b57", "#8e44ad", "#d35400", "#555"};
+    for (size_t l = 0; l < chart.lines.size(); ++l) {
+        svg << "<polyline fill=\"none\" stroke=\"" << colours[l % 6]
+            << "\" stroke-width=\"1.5\" points=\"";
+        for (const auto& [x, y] : chart.lines[l])
+            if (std::isfinite(x) && std::isfinite(y))
+                svg << Number(px(x)) << ',' << Number(py(y)) << ' ';
+        svg << "\"/>\n";
+    }
+    for (const auto& [x, y] : chart.sticks)
+        svg << "<line x1=\"" << Number(px(x)) << "\" y1=\"" << Number(py(0)) << "\" x2=\""
+            << Number(px(x)) << "\" y2=\"" << Number(py(y)) << "\" stroke=\"#1f5fa8\" "
+            << "stroke-width=\"1.5\"/>\n";
+    for (const auto& [x, y] : chart.points)
+        svg << "<circle cx=\"" << Number(px(x)) << "\" cy=\"" << Number(py(y))
+            << "\" r=\"4\" fill=\"#c0392b\"/>\n";
+    for (const auto& [x, y] : chart.marks)
+        svg << "<path d=\"M" << Number(px(x)) << ',' << Number(py(y) - 4) << " l-4,-7 h8 z\" "
+            << "fill=\"#c0392b\"/>\n";
+    svg << "<g font-size=\"11\" fill=\"#333\" text-anchor=\"middle\">\n";
+    for (const ChartLabel& label : chart.labels)
+        svg << "<text x=\"" << Number(px(label.x)) << "\" y=\"" << Number(py(label.y) - 14) << "\">"
+            << Escape(label.text) << "</text>\n";
+    svg << "</g>\n</svg>\n";
+    return svg.str();
+}
+
+std::string StabilitySvg(const CMetabolicStabilityInfo& series) {
+    Chart chart;
+    chart.title = "Metabolic stability of " + series.parent.str();
+    chart.xLabel = "Incubation time (min)";
+    chart.yLabel = "ln(% parent remaining)";
+    for (const auto& point : series.points)
+        if (point.hasAmount && point.percentRemaining > 0)
+            chart.points.push_back({point.time, std::log(point.percentRemaining)});
+    if (series.HasHalfLife() && !series.times.empty()) {
+        // The fitted line, through ln(100) at the start, falling by k per minute.
+        const double start = series.times.front();
+        const double end = series.times.back();
+        const double offset = std::log(100.0);
+        chart.lines.push_back({{start, offset}, {end, offset - series.k * (end - start)}});
+        char text[96];
+        std::snprintf(text, sizeof text, "t1/2 = %.1f min, k = %.4f /min", series.halfLife,
+                      series.k);
+        chart.labels.push_back({start + (end - start) * 0.5, offset, text});
+    }
+    return ChartSvg(chart);
 }
 
 } // namespace quillon::tool

@@ -1,56 +1,36 @@
 #pragma once
 
+// Figures as SVG: a chart with axes, ticks, units and title, of lines (chromatograms), sticks
+// (spectra) and points, with labels at given places.
+
+#include <quillon/stability/MetabolicStabilityInfo.h>
+
 #include <string>
 #include <vector>
 
 namespace quillon::tool {
 
-// A chart drawn as a stand-alone SVG figure: a title, two axes with evenly spaced round ticks
-// and their units, and what is plotted in data coordinates (lines, sticks, marked and labelled
-// points). Labels that would overlap an earlier one are left out, so the larger features should
-// be labelled first.
-class SvgChart {
-public:
-    SvgChart(std::string title, std::string xLabel, std::string yLabel);
-
-    // The data ranges shown; the y range starts at 0 unless a lower value is given.
-    void SetRanges(double xLow, double xHigh, double yLow, double yHigh);
-
-    void AddLine(const std::vector<double>& x, const std::vector<double>& y,
-                 const std::string& colour);
-    // A vertical line from the x axis up to (x, y).
-    void AddStick(double x, double y, const std::string& colour);
-    // A small triangle over (x, y).
-    void AddMarker(double x, double y, const std::string& colour);
-    // A text centred above (x, y); false (and nothing drawn) when it would overlap a label.
-    bool AddLabel(double x, double y, const std::string& text);
-    // A line of the legend in the top right corner.
-    void AddLegend(const std::string& text, const std::string& colour);
-
-    // The whole SVG document.
-    std::string Render() const;
-
-    // Round tick values covering low..high, about `count` of them (1, 2 or 5 times a power of 10
-    // apart): 0..9.7 gives 0, 2, 4, 6, 8.
-    static std::vector<double> Ticks(double low, double high, int count);
-
-private:
-    double X(double x) const;
-    double Y(double y) const;
-
-    struct Box {
-        double left, top, right, bottom;
-    };
-
-    std::string m_title, m_xLabel, m_yLabel;
-    double m_xLow = 0, m_xHigh = 1, m_yLow = 0, m_yHigh = 1;
-    std::string m_body;
-    std::string m_legend;
-    int m_legendLines = 0;
-    std::vector<Box> m_labels;
+struct ChartLabel {
+    double x = 0.0;
+    double y = 0.0;
+    std::string text;
 };
 
-// Text made safe inside an SVG element or attribute.
-std::string XmlEscape(const std::string& text);
+struct Chart {
+    std::string title;
+    std::string xLabel; // with its unit: "Time (min)"
+    std::string yLabel;
+    std::vector<std::vector<std::pair<double, double>>> lines; // each drawn as a polyline
+    std::vector<std::pair<double, double>> sticks;             // drawn from y = 0
+    std::vector<std::pair<double, double>> points;             // drawn as circles
+    std::vector<ChartLabel> labels;                            // at a data point, above it
+    std::vector<std::pair<double, double>> marks;              // peak marks: a small triangle
+};
+
+// The chart as a standalone SVG document (960 x 540).
+std::string ChartSvg(const Chart& chart);
+
+// ln(% remaining) against time with the fitted line, for one stability series.
+std::string StabilitySvg(const CMetabolicStabilityInfo& series);
 
 } // namespace quillon::tool

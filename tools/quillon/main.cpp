@@ -1,72 +1,46 @@
-// quillon: reads, analyses, exports, plots and edits metabolite-identification reports.
-#include "Command.h"
+// quillon: read, analyse, export, plot and edit metabolite-identification reports.
+#include "Commands.h"
 
-#include <quillon/platform/HostHooks.h>
-
-#include <algorithm>
-#include <exception>
 #include <iostream>
 
 using namespace quillon;
 using namespace quillon::tool;
 
-namespace {
+int main(int argc, char** argv) {
+    CLI::App app{"quillon: read, analyse, export, plot and edit metabolite-identification reports"};
+    app.set_version_flag("--version", std::string("quillon ") + QUILLON_VERSION);
+    app.require_subcommand(1);
+    // Options of the whole tool (--quiet) may also follow the subcommand.
+    app.fallthrough();
+    GlobalOptions options;
+    app.add_flag("-q,--quiet", options.quiet, "No messages on standard error");
+    for (const Registration& add :
+         {Registration(RegisterInfo), Registration(RegisterMetabolites),
+          Registration(RegisterSummary), Registration(RegisterFragments),
+          Registration(RegisterStability), Registration(RegisterPlot), Registration(RegisterExport),
+          Registration(RegisterEdit), Registration(RegisterCheck)})
+        add(app, options);
 
-constexpr const char kProgram[] = "quillon";
-
-// The library's messages go to standard error under the program's name.
-void RouteLibraryMessages(const GlobalOptions& global) {
+    // The library's messages go to standard error under the program's name.
     HostHooks hooks = GetHostHooks();
-    hooks.showMessage = [&global](const CString& text, const CString& title, MessageIcon icon) {
-        if (!global.quiet || icon == MessageIcon::Error || icon == MessageIcon::Exclamation)
-            std::cerr << kProgram << ": " << title.c_str() << ": " << text.c_str() << '\n';
+    hooks.showMessage = [&options](const CString& text, const CString&, MessageIcon) {
+        if (!options.quiet)
+            std::cerr << "quillon: " << text.str() << "\n";
         return kMessageOk;
     };
-    SetHostHooks(std::move(hooks));
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    GlobalOptions global;
-    CLI::App app{"Reads, analyses, exports, plots and edits metabolite-identification reports.\n"
-                 "Example: quillon info examples/Chlorpromazine_HLM_batch.txt",
-                 kProgram};
-    app.set_version_flag("--version", std::string(kProgram) + " " + QUILLON_VERSION);
-    app.add_flag("-q,--quiet", global.quiet, "Print no messages except errors");
-    app.require_subcommand(1);
-
-    std::vector<Command> commands = Commands();
-    std::sort(commands.begin(), commands.end(),
-              [](const Command& a, const Command& b) { return a.name < b.name; });
-    std::vector<std::pair<CLI::App*, std::function<int()>>> runners;
-    for (const Command& command : commands) {
-        CLI::App* sub = app.add_subcommand(command.name, command.description);
-        sub->fallthrough();
-        runners.emplace_back(sub, command.setup(*sub, global));
-    }
+    SetHostHooks(hooks);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0)
-            return app.exit(error);
-        std::cerr << kProgram << ": " << error.what() << '\n'
-                  << "Run '" << kProgram << " --help' for the options.\n";
-        return kExitUsage;
-    }
-
-    RouteLibraryMessages(global);
-    try {
-        for (auto& [sub, run] : runners)
-            if (sub->parsed())
-                return run();
+        const int code = app.exit(error);
+        return code == 0 ? kExitOk : kExitUsage;
     } catch (const ToolError& error) {
-        std::cerr << kProgram << ": " << error.message << '\n';
-        return error.exitCode;
+        std::cerr << "quillon: " << error.what() << "\n";
+        return error.code;
     } catch (const std::exception& error) {
-        std::cerr << kProgram << ": " << error.what() << '\n';
-        return kExitProblem;
+        std::cerr << "quillon: " << error.what() << "\n";
+        return kExitFailed;
     }
-    return kExitUsage;
+    return kExitOk;
 }

@@ -7,13 +7,13 @@
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/acquisition/SpectrumData.h>
+#include <quillon/chemistry/Formula.h>
 #include <quillon/companions/TarnwickIniInterface.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/metabolites/ElementalResultsData.h>
 #include <quillon/metabolites/MetaboliteData.h>
-#include <quillon/platform/Formula.h>
 #include <quillon/platform/HostHooks.h>
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 #include "ReportTree.h"
 #include "WorkFolder.h"
 
-#include <quillon/platform/Formula.h>
-#include <quillon/platform/IsotopeModel.h>
+#include <quillon/chemistry/Formula.h>
+#include <quillon/chemistry/IsotopeModel.h>
 
 #include <gtest/gtest.h>
 

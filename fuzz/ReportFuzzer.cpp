@@ -1,0 +1,176 @@
+// The report reader, the queries a browser makes over what was read, and the writer that saves it
+// back: any bytes are read without harm, and after one save, saving again changes neither the file
+// nor the model read from it.
+
+#include "FuzzSupport.h"
+
+#include <quillon/quillon.h>
+
+#include "support/ModelDump.h"
+
+#include <string>
+
+using namespace quillon;
+
+namespace {
+
+void QueryChromatogram(const CChromatoData& trace) {
+    float low = 0;
+    float high = 0;
+    trace.GetDataRange(low, high);
+    trace.GetIntensityRange(low, high, low, high);
+    float highest = 0;
+    float lowest = 0;
+    float timeOfHighest = 0;
+    float timeOfLowest = 0;
+    trace.GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, 0, 0);
+    trace.GetMaxIntensity(highest, lowest, timeOfHighest, timeOfLowest, low, high);
+    for (int index = 0; index <= trace.GetNumPeaks(); index += 1 + trace.GetNumPeaks() / 4) {
+        int at = index;
+        trace.GetNearestPeak(&at, timeOfHighest);
+    }
+    trace.GetScaledMaxIntensity();
+    for (int i = 0; i < trace.GetNumberOfListPeaks(); ++i) {
+        CArray<float> times;
+        CArray<float> intensities;
+        trace.GetPeakData(times, intensities, *trace.GetChromatPeakData(i)->GetChromatPeakData());
+    }
+}
+
+void QuerySpectrum(const CSpectrumData& spectrum) {
+    int low = 0;
+    int high = 0;
+    spectrum.GetDataRange(low, high);
+    float highest = 0;
+    float lowest = 0;
+    spectrum.GetMaxIntensity(highest, lowest, 0, 0);
+    spectrum.GetMaxIntensity(highest, lowest, low, high);
+    float masses[8];
+    float intensities[8];
+    spectrum.GetMassIntensity(masses, intensities, 0, 8, 0.0);
+    spectrum.GetMassIntensity(masses, intensities, spectrum.GetNumPeaks() / 2, 8, high / 2.0);
+    spectrum.IsPositive(-1);
+    CString label;
+    spectrum.GetPeakAnnotationLabel(label);
+}
+
+// The lookups a browser makes, asked with the numbers the sample itself carries and with a few
+// that no report uses.
+void QuerySample(CSampleData& sample) {
+    float start = 0;
+    float end = 0;
+    sample.GetMaxChromatogramRange(start, end);
+    sample.IsPositive(-1);
+    for (int f = 0; f < sample.GetFunctionCount(); ++f) {
+        CFunctionData& function = *sample.GetFunction(f);
+        int first = 0;
+        int last = 0;
+        function.GetFunctionRange(first, last);
+        function.GetFunctionText(1);
+        sample.GetFunctionWithNumber(function.GetNumber());
+        for (int c = 0; c < function.GetNumChromatogram(); ++c) {
+            const CChromatoData& trace = *function.GetChromatogram(c);
+            QueryChromatogram(trace);
+            const int number = trace.GetTraceNumber();
+            sample.GetTrace(number);
+            sample.GetFunctionContainingTrace(number);
+            sample.GetChromatogramIndex(f, number);
+            sample.GetChromatogramIndex(f, trace.GetDescription());
+            sample.GetTraceNum(function.GetNumber(), trace.GetDescription());
+            sample.SameTrace(number, number + 1);
+            for (int p = 0; p < trace.GetNumberOfListPeaks(); ++p) {
+                const CChromatogramPeak& peak = *trace.GetChromatPeakData(p);
+                const int id = peak.GetPeakID();
+                const int cluster = peak.GetPeakClusterID();
+                sample.GetCorrespondingSpectrum(id);
+                sample.GetCorispondingPeakInfo(id, 0);
+                sample.GetCorispondingPeakInfo(id, function.GetNumber(), number);
+                sample.GetCorispondingChroMatogram(id, 1);
+                sample.GetCorispondingChromatNumber(id, 1);
+                sample.GetNumberOfChroGraphs(id);
+                sample.GetNumberOfChroGraphsInCluster(cluster);
+                sample.GetNumberOfSameTracesInCluster(cluster, number);
+                sample.GetTraceInCluster(cluster, 1);
+                sample.GetSameTraceInCluster(cluster, 1, number);
+                sample.GetSamePeakInCluster(cluster, 1, number);
+                sample.RetrievePeakClusterNum(id, number);
+                function.GetSpectrumWithPeakID(id, false);
+                function.GetSpectrumWithPeakID(id, true);
+            }
+        }
+        for (const bool filtered : {false, true}) {
+            for (int s = 0; s < function.GetNumSpectra(filtered); ++s)
+                QuerySpectrum(*function.GetSpectrum(s, filtered));
+        }
+    }
+    for (int a = 0; a < sample.GetAnalogCount(); ++a)
+        QueryChromatogram(*sample.GetAnalogChannel(a));
+    for (const int odd : {-102, -101, -100, -7, 0, 1 << 30})
+        sample.GetTrace(odd);
+    sample.GetCorrespondingSpectrum(-1);
+    sample.GetNumberOfChroGraphsInCluster(-5);
+}
+
+void QueryAll(CSamples& samples) {
+    samples.GetLockSprayEnabled();
+    samples.GetMUXEnabled();
+    for (int i = 0; i < samples.GetSamplesCount(); ++i)
+        QuerySample(*samples.GetSample(i));
+}
+
+// True when every line of the text is a comment.
+bool OnlyWriterComments(std::string_view text) {
+    while (!text.empty()) {
+        if (text.front() != ';')
+            return false;
+        const size_t end = text.find('\n');
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return true;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    fuzz::SilenceHost();
+    fuzz::MemoryFile inputFile(fuzz::AsText(data, size));
+    CDelimitFile input(inputFile.Stream());
+    CSamples samples;
+    samples.Read(&input);
+    QueryAll(samples);
+    CSamples copy(samples);
+    QueryAll(copy);
+
+    input.SeekToBegin();
+    fuzz::MemoryFile savedFile;
+    CDelimitFile saved(savedFile.Stream());
+    samples.Write(&input, &saved);
+    QueryAll(samples);
+
+    // The saved file reads into as many samples as memory holds (the model itself may differ by
+    // the writer's rounding of what it writes from memory); saving it again copies it unchanged,
+    // only adding the writer's comment lines at the end, and that copy reads into the same model.
+    // (A last line that ends in a carriage return without a line feed is the one exception:
+    // written with a line end after it, its carriage return becomes part of that line end.)
+    saved.Flush();
+    saved.SeekToBegin();
+    CSamples reread;
+    reread.Read(&saved);
+    fuzz::Require(reread.GetSamplesCount() == samples.GetSamplesCount());
+    saved.SeekToBegin();
+    fuzz::MemoryFile savedAgainFile;
+    CDelimitFile savedAgain(savedAgainFile.Stream());
+    reread.Write(&saved, &savedAgain);
+    const std::string once = fuzz::Contents(savedFile);
+    const std::string twice = fuzz::Contents(savedAgainFile);
+    if (size > 0 && data[size - 1] == '\r')
+        return 0;
+    fuzz::Require(twice.starts_with(once));
+    fuzz::Require(OnlyWriterComments(std::string_view(twice).substr(once.size())));
+    savedAgain.Flush();
+    savedAgain.SeekToBegin();
+    CSamples rereadAgain;
+    rereadAgain.Read(&savedAgain);
+    fuzz::Require(testing::ModelDump::Of(rereadAgain) == testing::ModelDump::Of(reread));
+    return 0;
+}

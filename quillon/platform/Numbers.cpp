@@ -1,0 +1,117 @@
+#include <quillon/platform/Numbers.h>
+
+#include <charconv>
+#include <climits>
+#include <cstdlib>
+#include <locale.h>
+#include <string>
+
+namespace quillon {
+
+namespace {
+
+bool IsBlank(char ch) {
+    return ch == ' ' || ch == '\t' || ch == '\n' || ch == '\v' || ch == '\f' || ch == '\r';
+}
+
+// Skips blanks and a sign; returns where the number proper starts and whether it is negative.
+size_t SkipToNumber(std::string_view text, bool& negative) {
+    size_t at = 0;
+    while (at < text.size() && IsBlank(text[at]))
+        ++at;
+    negative = false;
+    if (at < text.size() && (text[at] == '+' || text[at] == '-')) {
+        negative = text[at] == '-';
+        ++at;
+    }
+    return at;
+}
+
+// The rare forms the fast conversion does not take (hexadecimal numbers, magnitudes beyond the
+// double range) go through the C library in its "C" locale, whatever locale the process has.
+locale_t CLocale() {
+    static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(0));
+    return cLocale;
+}
+
+double ConvertInCLocale(std::string_view text, size_t& used) {
+    const locale_t cLocale = CLocale();
+    const std::string copy(text);
+    char* end = nullptr;
+    const double value = strtod_l(copy.c_str(), &end, cLocale);
+    used = static_cast<size_t>(end - copy.c_str());
+    return value;
+}
+
+} // namespace
+
+double ParseDouble(std::string_view text, size_t& used) {
+    used = 0;
+    bool negative = false;
+    const size_t start = SkipToNumber(text, negative);
+    const char* first = text.data() + start;
+    const char* last = text.data() + text.size();
+    if (first == last || *first == '+' || *first == '-')
+        return 0.0;
+    if (last - first > 1 && first[0] == '0' && (first[1] == 'x' || first[1] == 'X'))
+        return ConvertInCLocale(text, used);
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(first, last, value, std::chars_format::general);
+    if (error == std::errc::result_out_of_range)
+        return ConvertInCLocale(text, used);
+    if (error != std::errc())
+        return 0.0;
+    used = static_cast<size_t>(end - text.data());
+    return negative ? -value : value;
+}
+
+int ParseInt(std::string_view text, size_t& used) {
+    used = 0;
+    bool negative = false;
+    const size_t start = SkipToNumber(text, negative);
+    const char* first = text.data() + start;
+    const char* last = text.data() + text.size();
+    if (first == last || *first < '0' || *first > '9')
+        return 0;
+    long long value = 0;
+    auto [end, error] = std::from_chars(first, last, value, 10);
+    if (error == std::errc::result_out_of_range) {
+        value = LLONG_MAX;
+        while (end != last && *end >= '0' && *end <= '9')
+            ++end;
+    }
+    used = static_cast<size_t>(end - text.data());
+    if (negative)
+        value = value == LLONG_MAX ? LLONG_MIN : -value;
+    if (value > INT_MAX)
+        return INT_MAX;
+    if (value < INT_MIN)
+        return INT_MIN;
+    return static_cast<int>(value);
+}
+
+double ParseDouble(std::string_view text) {
+    size_t used = 0;
+    return ParseDouble(text, used);
+}
+
+double ParseDouble(const char* text) {
+    return text != nullptr ? ParseDouble(std::string_view(text)) : 0.0;
+}
+
+int ParseInt(std::string_view text) {
+    size_t used = 0;
+    return ParseInt(text, used);
+}
+
+int ParseInt(const char* text) {
+    return text != nullptr ? ParseInt(std::string_view(text)) : 0;
+}
+
+CNumericLocaleScope::CNumericLocaleScope() : m_previous(uselocale(CLocale())) {}
+
+CNumericLocaleScope::~CNumericLocaleScope() {
+    uselocale(m_previous);
+}
+
+} // namespace quillon

@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# Runs every fuzz target of the "fuzz" build for FUZZ_SECONDS (default 60) each, FUZZ_JOBS
+# (default 1) at a time, starting from its seeds and its saved regressions, with its dictionary and
+# its own options (fuzz/options/<name>). New inputs go to build/fuzz/corpus/<name>/ (kept between
+# runs, never into the repository). A crash, a leak or a hang stops that target with the input
+# under build/fuzz/artifacts/<name>/: once the fault is fixed, save the input as
+# fuzz/regressions/<name>/<what-it-broke>.
+# Usage: scripts/run-fuzzers.sh [target name ...]   (all targets when none is named)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+seconds=${FUZZ_SECONDS:-60}
+jobs=${FUZZ_JOBS:-1}
+build=build/fuzz
+
+targets=("$@")
+if [ ${#targets[@]} -eq 0 ]; then
+    for program in "$build"/fuzz/quillon_fuzz_*; do
+        [ -x "$program" ] && targets+=("$(basename "$program" | sed 's/^quillon_fuzz_//')")
+    done
+fi
+if [ ${#targets[@]} -eq 0 ]; then
+    echo "No fuzz targets in $build: run 'cmake --preset fuzz && cmake --build --preset fuzz' first." >&2
+    exit 1
+fi
+
+# Runs one target; its output goes to build/fuzz/<name>.log, its exit status to <name>.status.
+run_target() {
+    local name=$1
+    local corpus="$build/corpus/$name"
+    local artifacts="$build/artifacts/$name/"
+    mkdir -p "$corpus" "$artifacts" "fuzz/regressions/$name"
+    local options=(-max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1
+                   -artifact_prefix="$artifacts")
+    if [ -f "fuzz/dictionaries/$name.dict" ]; then
+        options+=(-dict="fuzz/dictionaries/$name.dict")
+    fi
+    # Options of the target's own, such as a smaller input length for a slow target.
+    if [ -f "fuzz/options/$name" ]; then
+        local extra
+        read -r -a extra <"fuzz/options/$name"
+        options+=("${extra[@]}")
+    fi
+    local status=0
+    ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+        "$build/fuzz/quillon_fuzz_$name" "${options[@]}" \
+        "$corpus" "fuzz/corpus/$name" "fuzz/regressions/$name" >"$build/$name.log" 2>&1 || status=$?
+    echo "$status" >"$build/$name.status"
+}
+
+echo "Fuzzing ${targets[*]}: ${seconds} s each, ${jobs} at a time"
+for name in "${targets[@]}"; do
+    while [ "$(jobs -rp | wc -l)" -ge "$jobs" ]; do
+        wait -n || true
+    done
+    run_target "$name" &
+done
+wait
+
+failed=0
+for name in "${targets[@]}"; do
+    echo "== $name"
+    grep -E '^stat::number_of_executed_units|^#[0-9]+.*DONE' "$build/$name.log" | sed 's/^/   /' || true
+    if [ "$(cat "$build/$name.status")" != 0 ]; then
+        failed=1
+        echo "   FAILED: see $build/$name.log and $build/artifacts/$name/" >&2
+        grep -E 'ERROR:|SUMMARY:|runtime error' "$build/$name.log" | head -3 | sed 's/^/   /' >&2 || true
+    fi
+done
+exit $failed

@@ -1,0 +1,211 @@
+#include <quillon/companions/Molfile.h>
+#include <quillon/document/Samples.h>
+#include <quillon/file/DelimitFile.h>
+#include <quillon/platform/HostHooks.h>
+
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace quillon {
+namespace {
+
+using quillon::testing::TempFile;
+
+std::string FileText(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+// Points the molfile directory at a temporary folder for the test's lifetime.
+class MolfileDirectory {
+public:
+    MolfileDirectory() : m_saved(GetHostHooks()) {
+        HostHooks hooks = m_saved;
+        const std::string directory = m_folder.Folder().string() + "/";
+        hooks.molfileDirectory = [directory] { return CString(directory); };
+        SetHostHooks(hooks);
+    }
+    ~MolfileDirectory() { SetHostHooks(m_saved); }
+    std::filesystem::path Path(const std::string& name) const { return m_folder.Folder() / name; }
+    std::string Prefix() const { return m_folder.Folder().string() + "/"; }
+    void CreateList() const { std::ofstream(Path("Molfiles.list")); }
+
+private:
+    TempFile m_folder;
+    HostHooks m_saved;
+};
+
+// Reads a sample block (the lines after "[SAMPLE]") and returns the first line left unread.
+CString ReadSample(CSampleData& sample, const std::string& block) {
+    TempFile file;
+    file.Write(block + "AFTER\n");
+    CDelimitFile input(file.c_str(), CFile::modeRead);
+    EXPECT_EQ(sample.Read(&input), 1);
+    CString next;
+    input.ReadString(next);
+    return next;
+}
+
+const std::string kMolfileList = "{\n"
+                                 "Sample\t7\n"
+                                 "[MOLFILE LIST]\n"
+                                 "{\n"
+                                 "[MOLFILE]\n"
+                                 "{\n"
+                                 "nameless\n"
+                                 "}\n"
+                                 "Reference\tR\n"
+                                 "[MOLFILE]\n"
+                                 "{\n"
+                                 "first\n"
+                                 "}\n"
+                                 "[MOLFILE]\n"
+                                 "{\n"
+                                 "second\n"
+                                 "}\n"
+                                 "Reference\t../up/..\\x\n"
+                                 "[MOLFILE]\n"
+                                 "{\n"
+                                 "escaped\n"
+                                 "}\n"
+                                 "}\n"
+                                 "Well\t5\n"
+                                 "}\n";
+
+TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
+    const MolfileDirectory directory;
+    // Without the list file nothing is written and the blocks are skipped whole.
+    CSampleData unlisted;
+    EXPECT_EQ(ReadSample(unlisted, kMolfileList), "AFTER");
+    EXPECT_TRUE(unlisted.GetMoleculeEnabled());
+    EXPECT_EQ(unlisted.GetWell(), 5);
+    EXPECT_FALSE(std::filesystem::exists(directory.Path("R_7.mol")));
+
+    directory.CreateList();
+    CSampleData sample;
+    EXPECT_EQ(ReadSample(sample, kMolfileList), "AFTER");
+    EXPECT_EQ(sample.GetWell(), 5);
+    const std::string prefix = directory.Prefix();
+    EXPECT_EQ(FileText(directory.Path("Molfiles.list")), prefix + "_7.mol\n" + prefix +
+                                                             "R_7.mol\n" + prefix + "R_7.mol\n" +
+                                                             prefix + "___up____x_7.mol\n");
+    EXPECT_EQ(FileText(directory.Path("_7.mol")), "nameless\n");
+    EXPECT_EQ(FileText(directory.Path("R_7.mol")), "second\n"); // the second replaced it
+    EXPECT_EQ(FileText(directory.Path("___up____x_7.mol")), "escaped\n");
+
+    // A molfile that never closes ends at end of file.
+    CSampleData unclosed;
+    EXPECT_EQ(ReadSample(unclosed, "{\nSample\t8\n[MOLFILE LIST]\n{\nReference\tU\n[MOLFILE]\n{\n"
+                                   "line\n  {\n }\n"),
+              "");
+    EXPECT_EQ(FileText(directory.Path("U_8.mol")), "line\n  {\n }\nAFTER\n");
+}
+
+CMetaboliteData WithMolecule(const char* reference) {
+    CMetaboliteData metabolite;
+    metabolite.SetExpected();
+    metabolite.SetMoleculeReference(reference);
+    return metabolite;
+}
+
+CSampleData Sample(int number, const char* formula, bool moleculeEnabled) {
+    CSampleData sample;
+    sample.SetNumber(number);
+    sample.AddMSMetabolite(WithMolecule(""));
+    sample.AddMSMetabolite(WithMolecule("M"));
+    sample.SetMoleculeEnabled(moleculeEnabled);
+    CCompoundData compound;
+    compound.SetFormula(formula);
+    compound.SetMass(318.4);
+    sample.AddCompound(compound);
+    return sample;
+}
+
+void WriteMolfile(const MolfileDirectory& directory, int number, const std::string& header) {
+    std::ofstream(directory.Path("M_" + std::to_string(number) + ".mol")) << "name\n"
+                                                                          << header << "\n\n";
+}
+
+TEST(MolfileTest, DimensionsComeFromTheHeaderLineAndTheSearchPrefersNeighbours) {
+    const MolfileDirectory directory;
+    WriteMolfile(directory, 1, "  QUILLON 03122609142D");
+    WriteMolfile(directory, 2, "  QUILLON 03122609143D");
+    WriteMolfile(directory, 3, "  QUILLON 0312260914  ");
+
+    CSampleData sample = Sample(1, "C", true);
+    EXPECT_EQ(sample.GetMoleculeReference(), "M");
+    EXPECT_EQ(sample.GetMoleculeDimensions(), -1);
+    EXPECT_EQ(sample.SetMoleculeDimensions(), 2);
+    CSampleData threeD = Sample(2, "C", true);
+    EXPECT_EQ(threeD.SetMoleculeDimensions(), 3);
+    std::filesystem::remove(directory.Path("M_2.mol"));
+    EXPECT_EQ(threeD.SetMoleculeDimensions(), 3);                // determined once
+    EXPECT_EQ(Sample(3, "C", true).SetMoleculeDimensions(), 2);  // no code
+    EXPECT_EQ(Sample(4, "C", true).SetMoleculeDimensions(), 2);  // no molfile
+    EXPECT_EQ(Sample(1, "C", false).SetMoleculeDimensions(), 0); // no molfile list
+    EXPECT_EQ(CSampleData().SetMoleculeDimensions(), 0);         // no metabolites
+
+    // Samples 1..6: 2D molfiles for 1, 3 and 6; sample 5's compound has no formula.
+    WriteMolfile(directory, 2, "  QUILLON 03122609143D");
+    WriteMolfile(directory, 3, "  QUILLON 03122609142D");
+    WriteMolfile(directory, 6, "  QUILLON 03122609142D");
+    CSamples samples;
+    samples.AddSample(Sample(1, "A", true));
+    samples.AddSample(Sample(2, "B", true));
+    samples.AddSample(Sample(3, "A", true));
+    samples.AddSample(Sample(4, "A", true)); // no molfile: counts as 2D
+    samples.AddSample(Sample(5, "", false));
+    samples.AddSample(Sample(6, "", true));
+    const auto numberOf = [&samples](int number) {
+        const CSampleData* found = samples.GetSampleWith2DMolFile(number);
+        return found ? found->GetNumber() : 0;
+    };
+    EXPECT_EQ(numberOf(1), 1);
+    EXPECT_EQ(numberOf(2), 0); // 3D, and no other sample shares formula "B"
+    std::filesystem::remove(directory.Path("M_3.mol"));
+    WriteMolfile(directory, 4, "  QUILLON 03122609143D");
+    EXPECT_EQ(numberOf(4), 3);  // 3D itself; the nearest earlier "A" is taken
+    EXPECT_EQ(numberOf(5), 6);  // no molfile list; a later sample of mass "318" qualifies
+    EXPECT_EQ(numberOf(99), 6); // no such number: the last sample
+}
+
+TEST(MolfileTest, TheExampleBatchMolfilesAreExtracted) {
+    const MolfileDirectory directory;
+    directory.CreateList();
+    CSamples samples;
+    ASSERT_EQ(
+        samples.Read(
+            (std::string(QUILLON_SOURCE_DIR) + "/examples/Chlorpromazine_HLM_batch.txt").c_str()),
+        1);
+    ASSERT_GT(samples.GetSamplesCount(), 0);
+    int withStructure = 0;
+    for (int index = 0; index < samples.GetSamplesCount(); ++index) {
+        CSampleData& sample = *samples.GetSample(index);
+        const int dimensions = sample.SetMoleculeDimensions();
+        if (!sample.GetMoleculeEnabled()) {
+            EXPECT_EQ(dimensions, 0);
+            continue;
+        }
+        ++withStructure;
+        EXPECT_EQ(dimensions, 2) << sample.GetNumber();
+        const CString path =
+            CMolfile::MolfilePath(sample.GetMoleculeReference(), sample.GetNumber());
+        EXPECT_EQ(FileText(path.c_str()).rfind("Chlorpromazine\n", 0), 0u) << path.c_str();
+    }
+    EXPECT_GT(withStructure, 0);
+    std::istringstream list(FileText(directory.Path("Molfiles.list")));
+    int listed = 0;
+    for (std::string line; std::getline(list, line); ++listed)
+        EXPECT_TRUE(std::filesystem::exists(line)) << line;
+    EXPECT_GE(listed, withStructure);
+}
+
+} // namespace
+} // namespace quillon

@@ -1,0 +1,127 @@
+// No number in a report makes the reader allocate more than a small multiple of the file's size:
+// hostile reports are read in a child process whose address space is limited with setrlimit.
+
+#include "ReportGenerator.h"
+
+#include <quillon/quillon.h>
+
+#include "support/ChildProcess.h"
+#include "support/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+
+#include <sys/resource.h>
+
+using namespace quillon;
+using quillon::testing::TempFile;
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) ||                         \
+    __has_feature(thread_sanitizer)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+#else
+constexpr bool kSanitized = false;
+#endif
+
+// The address space the process uses now, in bytes; 0 when it cannot be told.
+size_t AddressSpaceInUse() {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.starts_with("VmSize:"))
+            return std::stoull(line.substr(7)) * 1024;
+    }
+    return 0;
+}
+
+// Reads the report in a child process allowed the address space it uses already, plus a fixed
+// allowance and a small multiple of the file's size. True when the report was read without a
+// message and without an exception (a failed allocation inside the reader shows a message).
+bool ReadsUnderMemoryLimit(const std::string& path, size_t fileSize) {
+    constexpr size_t kAllowance = 16u << 20;
+    constexpr size_t kPerByteOfFile = 8;
+    const int failed = quillon::testing::RunInChild(false, [&] {
+        int messages = 0;
+        HostHooks hooks;
+        hooks.showMessage = [&messages](const CString&, const CString&, MessageIcon) {
+            ++messages;
+            return kMessageOk;
+        };
+        SetHostHooks(hooks);
+        const size_t inUse = AddressSpaceInUse();
+        const rlim_t limit = inUse + kAllowance + kPerByteOfFile * fileSize;
+        const rlimit memory{limit, limit};
+        if (inUse == 0 || ::setrlimit(RLIMIT_AS, &memory) != 0)
+            return true;
+        try {
+            CSamples samples;
+            samples.Read(path.c_str());
+        } catch (...) {
+            return true;
+        }
+        return messages != 0;
+    });
+    return failed == 0;
+}
+
+std::string SmallReport(const TempFile& folder) {
+    generate::GeneratorOptions options;
+    options.reportPath = (folder.Folder() / "generated.txt").string();
+    options.iniPath = (folder.Folder() / "Tarnwick.ini").string();
+    options.samples = 2;
+    options.pointsPerTrace = 50;
+    generate::GenerateBatch(options);
+    std::ifstream in(options.reportPath, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+} // namespace
+
+TEST(BoundedMemoryTest, NoNumberInAReportMakesTheReaderAllocateWithoutBound) {
+    if (kSanitized)
+        GTEST_SKIP() << "a sanitizer reserves more address space than any limit allows";
+    TempFile folder;
+    const std::string report = SmallReport(folder);
+    const std::string huge = "2000000000";
+    struct Case {
+        const char* what;
+        std::string text;
+    };
+    const Case cases[] = {
+        {"the report itself", report},
+        {"sample numbers of two billion",
+         std::regex_replace(report, std::regex("\nSample\t[0-9]+"), "\nSample\t" + huge)},
+        {"function, trace and peak numbers of two billion",
+         std::regex_replace(report, std::regex("\n(Function|TraceNumber|Peak ID|PeakID)\t[0-9]+"),
+                            "\n$1\t" + huge)},
+        {"MS/MS entries of two billion",
+         std::regex_replace(
+             std::regex_replace(report, std::regex("\n0\t0\t"), "\n" + huge + "\t" + huge + "\t"),
+             std::regex("\nParentEntry\t[0-9]+"), "\nParentEntry\t" + huge)},
+        {"a line of four million empty fields",
+         report + "[SAMPLE]\n{\nSample\t3\n" + std::string(4 << 20, '\t') + "\n}\n"},
+    };
+    for (const Case& hostile : cases) {
+        SCOPED_TRACE(hostile.what);
+        if (&hostile != &cases[0]) {
+            ASSERT_NE(hostile.text, report) << "the case changes nothing";
+        }
+        const std::string path = (folder.Folder() / "hostile.txt").string();
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << hostile.text;
+        EXPECT_TRUE(ReadsUnderMemoryLimit(path, hostile.text.size()));
+    }
+}

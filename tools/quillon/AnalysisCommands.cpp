@@ -1,0 +1,272 @@
+// fragments and stability: the analyses run over a loaded report.
+#include "Commands.h"
+#include "Svg.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <unistd.h>
+
+namespace quillon::tool {
+
+namespace {
+
+std::atomic<bool> g_interrupted{false};
+
+void OnInterrupt(int) {
+    g_interrupted = true;
+}
+
+// Progress on standard error while a terminal shows it, cancellation on Ctrl-C: the library's
+// progress and cancel hooks for the life of the object.
+class ProgressAndCancel {
+public:
+    explicit ProgressAndCancel(bool show) : m_saved(GetHostHooks()) {
+        HostHooks hooks = m_saved;
+        if (show && ::isatty(STDERR_FILENO)) {
+            hooks.beginProgress = [this](const CString& text, int lower, int upper) {
+                m_text = text.str();
+                m_lower = lower;
+                m_upper = upper > lower ? upper : lower + 1;
+                m_position = lower;
+                Draw();
+            };
+            hooks.stepProgress = [this](int amount) {
+                m_position += amount;
+                Draw();
+            };
+            hooks.endProgress = [] { std::fprintf(stderr, "\r\033[K"); };
+        }
+        hooks.cancelRequested = [] { return g_interrupted.load(); };
+        SetHostHooks(hooks);
+        m_previousHandler = std::signal(SIGINT, OnInterrupt);
+    }
+    ~ProgressAndCancel() {
+        std::signal(SIGINT, m_previousHandler);
+        SetHostHooks(m_saved);
+    }
+
+private:
+    void Draw() const {
+        const int width = 30;
+        const double share =
+            std::clamp(double(m_position - m_lower) / (m_upper - m_lower), 0.0, 1.0);
+        const int filled = static_cast<int>(share * width);
+        std::fprintf(stderr, "\r%s[%s%s] %3d%%", m_text.c_str(), std::string(filled, '#').c_str(),
+                     std::string(width - filled, ' ').c_str(), static_cast<int>(share * 100));
+    }
+
+    HostHooks m_saved;
+    void (*m_previousHandler)(int) = nullptr;
+    std::string m_text;
+    int m_lower = 0;
+    int m_upper = 1;
+    int m_position = 0;
+};
+
+// The settings file is looked for in the working directory: the folder of the given file, or the
+// report's folder.
+void UseSettingsFolder(const std::string& settings, const std::string& report) {
+    const std::filesystem::path folder =
+        std::filesystem::absolute(settings.empty() ? report : settings).parent_path();
+    HostHooks hooks = GetHostHooks();
+    hooks.workingDirectory = [folder] { return CString(folder.string()); };
+    SetHostHooks(hooks);
+}
+
+} // namespace
+
+void RegisterFragments(CLI::App& app, GlobalOptions& options) {
+    struct Settings {
+        std::string path;
+        int sample = 0;
+        std::string settings;
+    };
+    auto settings = std::make_shared<Settings>();
+    CLI::App* command = app.add_subcommand(
+        "fragments",
+        "Runs the fragment analysis of one sample: its fragment masses and neutral losses\n"
+        "  example: quillon fragments batch.txt --sample 4 --settings Tarnwick.ini");
+    command->add_option("REPORT", settings->path, "The report file")->required();
+    command->add_option("--sample", settings->sample, "The sample's number")->required();
+    command->add_option("--settings", settings->settings,
+                        "The settings file with the neutral-loss list (default: Tarnwick.ini "
+                        "beside the report)");
+    AddOutputOptions(*command, options);
+    command->callback([settings, &options] {
+        CSamples samples;
+        LoadReport(settings->path, samples);
+        CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
+        UseSettingsFolder(settings->settings, settings->path);
+        CFragmentAnalysis* analysis = sample.GetFragmentAnalysis();
+        bool done = false;
+        {
+            const ProgressAndCancel progress(!options.quiet);
+            g_interrupted = false;
+            done = analysis->DoFragmentAnalysis(&sample);
+        }
+        if (g_interrupted)
+            throw ToolError("cancelled", kExitCancelled);
+        if (!done && !analysis->HasNeutralLosses())
+            Note(options, "sample " + std::to_string(settings->sample) +
+                              ": no fragment analysis (no low- and high-energy function pair)");
+        CStringArray fragments;
+        CStringArray losses;
+        analysis->GetFragments(fragments);
+        analysis->GetNeutralLosses(losses);
+        if (options.format == "json") {
+            nlohmann::json document;
+            document["sample"] = settings->sample;
+            document["fragments"] = nlohmann::json::array();
+            for (const FragmentEntry& entry : analysis->GetFragmentEntries())
+                document["fragments"].push_back({{"nominal_mass", entry.NominalMass},
+                                                 {"parent_index", entry.ParentIndex},
+                                                 {"partner_index", entry.PartnerIndex},
+                                                 {"function_index", entry.FunctionIndex},
+                                                 {"spectrum_peak_id", entry.SpectrumPeakID},
+                                                 {"cluster_id", entry.ClusterID}});
+            document["neutral_losses"] = nlohmann::json::array();
+            for (const NeutralLossEntry& entry : analysis->GetNeutralLossEntries())
+                document["neutral_losses"].push_back({{"mass", entry.Mass},
+                                                      {"nominal_mass", entry.NominalMass},
+                                                      {"label", entry.Label.str()}});
+            document["fragment_lines"] = nlohmann::json::array();
+            for (const CString& line : fragments)
+                document["fragment_lines"].push_back(line.str());
+            document["neutral_loss_lines"] = nlohmann::json::array();
+            for (const CString& line : losses)
+                document["neutral_loss_lines"].push_back(line.str());
+            PrintJson(document, options);
+            return;
+        }
+        Table table{{"kind", "line"}, {}, {false, false}};
+        for (const CString& line : fragments)
+            table.rows.push_back({"fragment", line.str()});
+        for (const CString& line : losses)
+            table.rows.push_back({"neutral loss", line.str()});
+        PrintTable(table, options);
+    });
+}
+
+void RegisterStability(CLI::App& app, GlobalOptions& options) {
+    struct Settings {
+        std::string path;
+        MetabolicStabilityParameters parameters;
+        std::string plot;
+    };
+    auto settings = std::make_shared<Settings>();
+    CLI::App* command = app.add_subcommand(
+        "stability",
+        "Metabolic stability of each incubation series: half-life, its 95% interval, intrinsic\n"
+        "clearance and the formation of metabolites\n"
+        "  example: quillon stability batch.txt --protein 1.0 --plot stability.svg");
+    command->add_option("REPORT", settings->path, "The report file")->required();
+    command->add_option("--protein", settings->parameters.proteinMgPerMl,
+                        "Microsomal protein in the incubation, mg/mL (default 0.5)");
+    command->add_option("--protein-per-liver", settings->parameters.proteinMgPerGramLiver,
+                        "Microsomal protein per gram of liver, mg/g (default 45)");
+    command->add_option("--liver-per-kg", settings->parameters.liverGramsPerKg,
+                        "Liver per kilogram of body weight, g/kg (default 20)");
+    command->add_option("--plot", settings->plot,
+                        "Also draw ln(% remaining) against time with the fit as an SVG file");
+    AddOutputOptions(*command, options);
+    command->callback([settings, &options] {
+        CSamples samples;
+        LoadReport(settings->path, samples);
+        CArray<CMetabolicStabilityInfo> series;
+        samples.CreateMetabolicStabilityAnalysis(series, settings->parameters);
+        auto flagsText = [](const CMetabolicStabilityInfo& info) {
+            std::string text;
+            const std::pair<int, const char*> names[] = {
+                {CMetabolicStabilityInfo::kNoParent, "no parent"},
+                {CMetabolicStabilityInfo::kNoInitialAmount, "no initial amount"},
+                {CMetabolicStabilityInfo::kTooFewTimePoints, "too few time points"},
+                {CMetabolicStabilityInfo::kNoDecline, "no decline"},
+                {CMetabolicStabilityInfo::kPoorFit, "poor fit"},
+                {CMetabolicStabilityInfo::kOpenInterval, "open interval"}};
+            for (const auto& [flag, name] : names)
+                if (info.flags & flag)
+                    text += (text.empty() ? "" : "; ") + std::string(name);
+            return text;
+        };
+        auto orEmpty = [](bool valid, double value, int decimals) {
+            return valid ? Fixed(value, decimals) : std::string();
+        };
+        if (options.format == "json") {
+            nlohmann::json document = nlohmann::json::array();
+            for (const CMetabolicStabilityInfo& info : series) {
+                nlohmann::json entry = {{"parent", info.parent.str()},
+                                        {"process_parameters", info.processParameters.str()},
+                                        {"points_used", info.pointsUsed},
+                                        {"k_per_min", info.k},
+                                        {"k_standard_error", info.standardErrorK},
+                                        {"r_squared", info.rSquared},
+                                        {"flags", flagsText(info)}};
+                entry["half_life_min"] =
+                    info.HasHalfLife() ? nlohmann::json(info.halfLife) : nlohmann::json();
+                entry["half_life_low_min"] =
+                    info.HasHalfLife() ? nlohmann::json(info.halfLifeLow) : nlohmann::json();
+                entry["half_life_high_min"] =
+                    info.halfLifeHigh > 0 ? nlohmann::json(info.halfLifeHigh) : nlohmann::json();
+                entry["clint_ul_min_mg"] =
+                    info.HasHalfLife() ? nlohmann::json(info.intrinsicClearance) : nlohmann::json();
+                entry["scaled_clearance_ml_min_kg"] =
+                    info.HasHalfLife() ? nlohmann::json(info.scaledClearance) : nlohmann::json();
+                entry["points"] = nlohmann::json::array();
+                for (const auto& point : info.points)
+                    entry["points"].push_back({{"sample", point.sampleNumber},
+                                               {"time_min", point.time},
+                                               {"amount", point.amount},
+                                               {"percent_remaining", point.percentRemaining},
+                                               {"used_in_fit", point.usedInFit}});
+                entry["formation"] = nlohmann::json::array();
+                for (const auto& formation : info.formation)
+                    entry["formation"].push_back(
+                        {{"name", formation.name.str()},
+                         {"shift", formation.label.str()},
+                         {"amount_at_time", formation.amountAtTime},
+                         {"time_of_maximum_min", formation.timeOfMaximum},
+                         {"maximum_percent_of_parent", formation.maximumPercentOfParent}});
+                document.push_back(std::move(entry));
+            }
+            PrintJson(document, options);
+        } else {
+            Table table{
+                {"parent", "sample", "time_min", "amount", "percent_remaining", "k_per_min",
+                 "half_life_min", "half_life_95_low", "half_life_95_high", "clint_ul_min_mg",
+                 "clearance_ml_min_kg", "r_squared", "flags"},
+                {},
+                {false, true, true, true, true, true, true, true, true, true, true, true, false}};
+            for (const CMetabolicStabilityInfo& info : series) {
+                const bool t = info.HasHalfLife();
+                table.rows.push_back(
+                    {info.parent.str(), "", "", "", "",
+                     orEmpty(!info.Has(CMetabolicStabilityInfo::kTooFewTimePoints), info.k, 5),
+                     orEmpty(t, info.halfLife, 1), orEmpty(t, info.halfLifeLow, 1),
+                     orEmpty(info.halfLifeHigh > 0, info.halfLifeHigh, 1),
+                     orEmpty(t, info.intrinsicClearance, 1), orEmpty(t, info.scaledClearance, 1),
+                     orEmpty(info.pointsUsed > 2, info.rSquared, 4), flagsText(info)});
+                for (const auto& point : info.points)
+                    table.rows.push_back({"", std::to_string(point.sampleNumber),
+                                          Fixed(point.time, 1),
+                                          point.hasAmount ? Fixed(point.amount, 1) : "",
+                                          orEmpty(info.initialAmount > 0 && point.hasAmount,
+                                                  point.percentRemaining, 1),
+                                          "", "", "", "", "", "", "", ""});
+                for (const auto& formation : info.formation)
+                    table.rows.push_back({"  " + formation.name.str() + " " + formation.label.str(),
+                                          "", Fixed(formation.timeOfMaximum, 1), "",
+                                          Fixed(formation.maximumPercentOfParent, 1), "", "", "",
+                                          "", "", "", "", "max % of parent"});
+            }
+            PrintTable(table, options);
+        }
+        if (!settings->plot.empty() && series.GetSize() > 0)
+            WriteFileAtomically(settings->plot, StabilitySvg(series[0]));
+    });
+}
+
+} // namespace quillon::tool
