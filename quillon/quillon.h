@@ -64,6 +64,7 @@
 #include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/metabolites/MetaboliteDisplay.h>
 
+#include <quillon/document/ReadReport.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
 

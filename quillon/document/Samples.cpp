@@ -189,14 +189,6 @@ void CSamples::NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, cons
         m_ReadReport.Add(CReadReport::OpenBlock, name, sampleStart);
 }
 
-void CReadReport::Add(Kind kind, CString name, int64_t offset, CString detail) {
-    if (entries.size() >= kMaxEntries) {
-        ++omitted;
-        return;
-    }
-    entries.push_back(Entry{kind, std::move(name), offset, std::move(detail)});
-}
-
 void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
     // The fragment analysis's validation of the sample's energy pairs comes first: it marks the
     // high-energy metabolites that the counts and area totals tell apart.
