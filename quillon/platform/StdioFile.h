@@ -38,7 +38,8 @@ public:
     // (a last line without a line feed included), FALSE at end of file with an empty text.
     virtual BOOL ReadString(CString& line);
     // The same line as a view into the read buffer, valid until the next read, seek or write.
-    bool ReadLineView(std::string_view& line);
+    // Every reading of whole lines goes through it, so a derived file can watch lines here.
+    virtual bool ReadLineView(std::string_view& line);
     // The bytes the last whole-line ReadString consumed, its line end ("\n" or "\r\n")
     // included; 0 after end of file.
     int64_t GetLastLineLength() const { return m_lastLineLength; }
