@@ -153,7 +153,7 @@ int CChromatoData::AddTimeIntensity(const float* times, const float* intensities
     if (count < 1)
         return TRUE;
     for (int i = 0; i < count; ++i)
-        m_Points.Add(CPeakData(times[i], intensities[i]));
+        m_Points.Add(TPointPair<float>(times[i], intensities[i]));
     return TRUE;
 }
 
@@ -162,14 +162,14 @@ bool CChromatoData::SetTimeIntensity(const float* times, const float* intensitie
         return false;
     m_Points.SetSize(count);
     for (int i = 0; i < count; ++i)
-        m_Points[i] = CPeakData(times[i], intensities[i]);
+        m_Points[i] = TPointPair<float>(times[i], intensities[i]);
     return true;
 }
 
 BOOL CChromatoData::GetPeak(int index, CPeakData& point) const {
     if (index < 0 || index >= m_Points.GetSize())
         return FALSE;
-    point = m_Points[index];
+    point = m_Points[index].ToPeakData();
     return TRUE;
 }
 
@@ -210,7 +210,7 @@ const CChromatogramPeak* CChromatoData::GetChromatPeakData(int index) const {
 int CChromatoData::GetDataRange(float& low, float& high) const {
     low = 0.0f;
     high = 0.0f;
-    for (const CPeakData& point : m_Points) {
+    for (const TPointPair<float>& point : m_Points) {
         const float time = static_cast<float>(point.GetMass());
         if (low == 0.0f || time < low)
             low = time;
@@ -224,7 +224,7 @@ int CChromatoData::GetIntensityRange(float from, float to, float& low, float& hi
     low = 0.0f;
     high = 0.0f;
     int inside = 0;
-    for (const CPeakData& point : m_Points) {
+    for (const TPointPair<float>& point : m_Points) {
         const float time = static_cast<float>(point.GetMass());
         if (time < from || time > to)
             continue;
@@ -245,7 +245,7 @@ int CChromatoData::GetMaxIntensity(float& highest, float& lowest, float& timeOfH
     timeOfHighest = timeOfLowest = (from + to) * 0.5f;
 
     const bool windowed = to > from;
-    for (const CPeakData& point : m_Points) {
+    for (const TPointPair<float>& point : m_Points) {
         const float time = static_cast<float>(point.GetMass());
         if (windowed && time < from)
             continue;
@@ -311,7 +311,7 @@ int CChromatoData::GetPeakData(CArray<float>& times, CArray<float>& intensities,
                                const CPeakList& extent) const {
     times.RemoveAll();
     intensities.RemoveAll();
-    for (const CPeakData& point : m_Points) {
+    for (const TPointPair<float>& point : m_Points) {
         const double time = point.GetMass();
         if (time < extent.GetStartTime() || time > extent.GetEndTime())
             continue;
@@ -384,22 +384,21 @@ int CChromatoData::NewParagraph(CDelimitFile* file, int id) {
 }
 
 int CChromatoData::MSRead(CDelimitFile* file) {
+    // Points are read straight into the list; with custom chart parameters in use, a point's
+    // intensity is a percentage of the maximum intensity.
+    const int before = m_Points.GetSize();
     CFileRecord record;
-    while (record.Read(file)) {
-        if (record.GetType() == RECORD_FIELD)
-            MSNewField(*record.GetInput());
-    }
+    record.ReadNumberPairs(file, [this](double time, double intensity) {
+        float scaled = static_cast<float>(intensity);
+        if (m_UsesCustomChartParams)
+            scaled = scaled * m_MaxIntensity * kPercent;
+        m_Points.Add(TPointPair<float>(static_cast<float>(time), scaled));
+    });
+    // The room left from growing is given back when this section brought most of the points, so
+    // that a trace in many small sections is not trimmed (and perhaps moved) after every one.
+    if (m_Points.GetSize() - before >= m_Points.GetSize() / 2)
+        m_Points.FreeExtra();
     return TRUE;
-}
-
-int CChromatoData::MSNewField(const CStringArray& input) {
-    if (input.GetSize() < 2)
-        return FALSE;
-    const float time = static_cast<float>(ParseDouble(input[0]));
-    float intensity = static_cast<float>(ParseDouble(input[1]));
-    if (m_UsesCustomChartParams)
-        intensity = intensity * m_MaxIntensity * kPercent;
-    return AddTimeIntensity(&time, &intensity, 1);
 }
 
 } // namespace quillon

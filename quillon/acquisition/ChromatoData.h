@@ -3,6 +3,7 @@
 #include <quillon/acquisition/ChromatogramPeak.h>
 #include <quillon/acquisition/PeakData.h>
 #include <quillon/acquisition/PeakList.h>
+#include <quillon/acquisition/PointArray.h>
 #include <quillon/acquisition/TraceType.h>
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
@@ -143,11 +144,10 @@ private:
     int NewParagraph(CDelimitFile* file, int id);
     // Reads the point lines of a "TRACE" section.
     int MSRead(CDelimitFile* file);
-    int MSNewField(const CStringArray& input);
 
     bool m_CombinedTraceNeedsData = false;
     TRACE_TYPE m_TraceType = MS_TRACE;
-    CArray<CPeakData> m_Points;
+    TPointArray<float> m_Points;
     CArray<CChromatogramPeak> m_ChromatogramPeaks;
     CString m_Description;
     CString m_ProcDesc;

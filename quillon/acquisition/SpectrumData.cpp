@@ -205,22 +205,22 @@ BOOL CSpectrumData::AddMassIntensity(const float* masses, const float* intensiti
     if (count < 1)
         return TRUE;
     for (int i = 0; i < count; ++i)
-        m_points.Add(CPeakData(masses[i], intensities[i]));
+        m_points.Add(TPointPair<double>(masses[i], intensities[i]));
     return TRUE;
 }
 
 int CSpectrumData::AddPeak() {
-    return m_points.Add(CPeakData());
+    return m_points.Add(TPointPair<double>());
 }
 
 int CSpectrumData::AddPeak(const CPeakData& peak) {
-    return m_points.Add(peak);
+    return m_points.Add(TPointPair<double>(peak));
 }
 
 BOOL CSpectrumData::GetPeak(int index, CPeakData& peak) const {
     if (index < 0 || index >= m_points.GetSize())
         return FALSE;
-    peak = m_points[index];
+    peak = m_points[index].ToPeakData();
     return TRUE;
 }
 
@@ -253,7 +253,7 @@ int CSpectrumData::GetMassIntensity(float* masses, float* intensities, int start
         return 0;
     int copied = 0;
     for (int i = start; i < m_points.GetSize() && copied < count; ++i) {
-        const CPeakData& point = m_points[i];
+        const TPointPair<double>& point = m_points[i];
         if (limit > 0.0 && point.GetMass() > limit)
             break;
         if (masses != nullptr)
@@ -268,7 +268,7 @@ int CSpectrumData::GetMassIntensity(float* masses, float* intensities, int start
 BOOL CSpectrumData::GetDataRange(int& low, int& high) const {
     low = 0;
     high = 0;
-    for (const CPeakData& point : m_points) {
+    for (const TPointPair<double>& point : m_points) {
         // A mass that is not a number is passed over; one beyond the int range counts as its end.
         if (std::isnan(point.GetMass()))
             continue;
@@ -286,7 +286,7 @@ BOOL CSpectrumData::GetMaxIntensity(float& highest, float& lowest, int from, int
     highest = 0.0f;
     lowest = 0.0f;
     const bool windowed = to > from;
-    for (const CPeakData& point : m_points) {
+    for (const TPointPair<double>& point : m_points) {
         if (windowed) {
             if (point.GetMass() < from)
                 continue;
@@ -435,7 +435,7 @@ int CSpectrumData::NewField(const CStringArray& input, int id) {
 int CSpectrumData::NewParagraph(CDelimitFile* file, int id) {
     switch (id) {
     case kMS:
-        ReadLines(file, &CSpectrumData::MSNewField);
+        ReadPoints(file);
         break;
     case kMasses:
         ReadLines(file, &CSpectrumData::MassesNewField);
@@ -458,14 +458,20 @@ void CSpectrumData::ReadLines(CDelimitFile* file,
     }
 }
 
-void CSpectrumData::MSNewField(const CStringArray& input) {
-    if (input.GetSize() < 2)
-        return;
-    const float mass = static_cast<float>(ParseDouble(input[0]));
-    float intensity = static_cast<float>(ParseDouble(input[1]));
-    if (m_usesCustomChartParams != 0)
-        intensity = intensity * m_bpi * 0.01f;
-    AddMassIntensity(&mass, &intensity, 1);
+void CSpectrumData::ReadPoints(CDelimitFile* file) {
+    // Points are read as floats, as the spectrum's point interface takes them; with custom chart
+    // parameters in use, an intensity is a percentage of the base peak intensity.
+    const int before = m_points.GetSize();
+    CFileRecord record;
+    record.ReadNumberPairs(file, [this](double mass, double intensity) {
+        float scaled = static_cast<float>(intensity);
+        if (m_usesCustomChartParams != 0)
+            scaled = scaled * m_bpi * 0.01f;
+        m_points.Add(TPointPair<double>(static_cast<float>(mass), scaled));
+    });
+    // As for a trace: trimmed when this section brought most of the points.
+    if (m_points.GetSize() - before >= m_points.GetSize() / 2)
+        m_points.FreeExtra();
 }
 
 void CSpectrumData::MassesNewField(const CStringArray& input) {

@@ -3,6 +3,7 @@
 #include <quillon/acquisition/MassesData.h>
 #include <quillon/acquisition/PeakData.h>
 #include <quillon/acquisition/PeakList.h>
+#include <quillon/acquisition/PointArray.h>
 #include <quillon/acquisition/ResultsData.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
@@ -153,7 +154,7 @@ private:
     int NewParagraph(CDelimitFile* file, int id);
     // Reads the lines of a nested paragraph, handing each field line to handler.
     void ReadLines(CDelimitFile* file, void (CSpectrumData::*handler)(const CStringArray&));
-    void MSNewField(const CStringArray& input);
+    void ReadPoints(CDelimitFile* file);
     void MassesNewField(const CStringArray& input);
     void ResultsNewField(const CStringArray& input);
 
@@ -175,7 +176,7 @@ private:
     CString m_customChartParams;
     int m_usesCustomChartParams = 0;
     CPeakList m_peakExtent;
-    CArray<CPeakData> m_points;
+    TPointArray<double> m_points;
     CArray<CMassesData> m_masses;
     CArray<CResultsData> m_results;
     int m_hasPrinted = 0;

@@ -1,5 +1,7 @@
 #include <quillon/file/FileRecord.h>
 
+#include <quillon/platform/Numbers.h>
+
 namespace quillon {
 
 QUILLON_IMPLEMENT_DYNAMIC(CFileRecord, CObject)
@@ -64,6 +66,35 @@ int CFileRecord::Read(CDelimitFile* file) {
         }
     }
     return 0;
+}
+
+bool CFileRecord::ReadNumberPair(CDelimitFile* file, double& first, double& second) {
+    if (file == nullptr)
+        return false;
+    std::string_view fields[2];
+    int type = RECORD_EMPTY;
+    int count = 0;
+    while ((count = file->ReadFieldViews(fields, 2, &type)) >= 0) {
+        switch (type) {
+        case RECORD_FIELD:
+            if (m_depth < 2 && count == 2) {
+                first = ParseDouble(fields[0]);
+                second = ParseDouble(fields[1]);
+                return true;
+            }
+            break;
+        case RECORD_BLOCK_START:
+            ++m_depth;
+            break;
+        case RECORD_BLOCK_END:
+            if (m_depth > 0 && --m_depth == 0)
+                return false;
+            break;
+        default: // section headers, comments and empty lines
+            break;
+        }
+    }
+    return false;
 }
 
 } // namespace quillon

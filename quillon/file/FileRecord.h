@@ -54,6 +54,20 @@ public:
         }
     }
 
+    // The reader loop of a list of number pairs (the points of a trace or a spectrum): hands the
+    // first two fields of every field line that has two or more to onPair(first, second) as
+    // numbers, read as ParseDouble reads them, until this record's block has closed or the file
+    // ends. Other lines, nested sections and their blocks are passed over, as the loop above
+    // would with a field handler that needs two fields. No strings are built for the lines.
+    //   "12.5\t300" -> onPair(12.5, 300.0)      "12.5" -> nothing
+    template <class OnPair>
+    void ReadNumberPairs(CDelimitFile* file, OnPair&& onPair) {
+        double first = 0.0;
+        double second = 0.0;
+        while (ReadNumberPair(file, first, second))
+            onPair(first, second);
+    }
+
     // The value of a field line: its element 1, or an empty text when the line has none.
     static const CString& FieldValue(const CStringArray& input);
 
@@ -73,6 +87,9 @@ private:
     using NameMap = std::unordered_map<std::string, int, NameHash, std::equal_to<>>;
 
     static int Lookup(const NameMap& names, const CString& name, int& id);
+    // Reads on to the next field line of this record's block with two fields or more and parses
+    // them; false at the end of the block or of the file.
+    bool ReadNumberPair(CDelimitFile* file, double& first, double& second);
 
     NameMap m_fieldNames;
     NameMap m_paragraphNames;
