@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 using namespace quillon;
@@ -86,33 +88,104 @@ TEST(DelimitFileTest, SplittingRules) {
     EXPECT_EQ(many.back(), tabs.substr(CDelimitFile::kMaxFieldsPerLine - 1) + "b");
 }
 
-TEST(DelimitFileTest, ReadsLinesOfAnyLengthAcrossPieces) {
+// Lines of every kind and of lengths around the read buffer's size (1 MiB), with both line ends,
+// so that lines, line ends and carriage returns fall across refills of the buffer.
+std::vector<std::string> MixedLines() {
+    std::vector<std::string> lines;
+    const size_t block = size_t{1} << 20;
+    const char* kinds[] = {"12.5\t300", "[SAMPLE]", "{", "}", ";note", "", "\t\tx", "a\tb\tc"};
+    unsigned state = 7;
+    for (int i = 0; i < 400; ++i) {
+        state = state * 1103515245u + 12345u;
+        std::string line = kinds[(state >> 16) % 8];
+        if (i % 97 == 5)
+            line += std::string(block - 3 + (state >> 20) % 7, 'x'); // about one buffer long
+        if (i == 201)
+            line += std::string(3 * block, 'y'); // longer than the buffer
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST(DelimitFileTest, ReadsLinesOfAnyLengthAcrossBufferRefills) {
+    const std::vector<std::string> lines = MixedLines();
+    std::string text;
+    std::vector<int64_t> ends;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        text += lines[i] + (i % 3 == 0 ? "\r\n" : "\n");
+        ends.push_back(static_cast<int64_t>(text.size()));
+    }
+    text += "last";
     TempFile file;
-    const std::string exact(2048, 'x');
-    const std::string longLine(5000, 'y');
-    file.Write(exact + "\n" + longLine + "\tz\r\n\nlast");
-    CDelimitFile in(file.c_str(), CFile::modeRead);
-    CString line;
-    ASSERT_TRUE(in.ReadString(line));
-    EXPECT_EQ(line.str(), exact);
+    file.Write(text);
 
+    // Whole lines, views and field views agree line by line, and positions are exact.
+    CDelimitFile byLine(file.c_str(), CFile::modeRead);
+    CDelimitFile byFields(file.c_str(), CFile::modeRead);
+    CDelimitFile byViews(file.c_str(), CFile::modeRead);
     CStringArray fields;
-    int type = -1;
-    ASSERT_EQ(in.ReadDelimitedString(fields, &type), 1);
-    ASSERT_EQ(fields.GetSize(), 2);
-    EXPECT_EQ(fields[0].GetLength(), 5000);
-    EXPECT_EQ(fields[1], "z");
-    EXPECT_EQ(type, RECORD_FIELD);
+    for (size_t i = 0; i < lines.size(); ++i) {
+        CString line;
+        ASSERT_TRUE(byLine.ReadString(line));
+        ASSERT_EQ(line.str(), lines[i]) << i;
+        ASSERT_EQ(byLine.GetPosition(), ends[i]);
+        ASSERT_EQ(byLine.GetLastLineLength(), ends[i] - (i > 0 ? ends[i - 1] : 0));
 
-    ASSERT_EQ(in.ReadDelimitedString(fields, &type), 1); // an empty line is still a line
-    EXPECT_EQ(type, RECORD_EMPTY);
-    EXPECT_TRUE(fields.IsEmpty());
-    ASSERT_EQ(in.ReadDelimitedString(fields, &type), 1);
-    EXPECT_EQ(fields[0], "last");
-    type = 99;
-    EXPECT_EQ(in.ReadDelimitedString(fields, &type), 0);
-    EXPECT_TRUE(fields.IsEmpty());
-    EXPECT_EQ(type, 99);
+        int type = -1;
+        int viewType = -1;
+        std::string_view views[2];
+        byFields.ReadDelimitedString(fields, &type);
+        const int count = byViews.ReadFieldViews(views, 2, &viewType);
+        ASSERT_EQ(viewType, type) << i;
+        ASSERT_EQ(count, std::min(fields.GetSize(), 2)) << i;
+        for (int k = 0; k < count; ++k)
+            ASSERT_EQ(views[k], fields[k].view()) << i;
+    }
+    CString line;
+    ASSERT_TRUE(byLine.ReadString(line));
+    EXPECT_EQ(line, "last");
+    EXPECT_FALSE(byLine.ReadString(line));
+    std::string_view views[2];
+    int type = -1;
+    EXPECT_EQ(byViews.ReadFieldViews(views, 2, &type), 1);
+    EXPECT_EQ(byViews.ReadFieldViews(views, 2, &type), -1);
+    EXPECT_EQ(byLine.GetLineEndRead(), std::string("\r\n"));
+
+    // A seek back drops what was read ahead.
+    EXPECT_EQ(byLine.Seek(ends[199], CFile::begin), ends[199]);
+    ASSERT_TRUE(byLine.ReadString(line));
+    EXPECT_EQ(line.str(), lines[200]);
+}
+
+TEST(DelimitFileTest, CopyToNextSectionCopiesLinesAsTheyStand) {
+    // Mixed line ends, empty lines and NUL bytes, across buffer refills: the copy must be what
+    // writing each line as a record would give.
+    const std::vector<std::string> lines = MixedLines();
+    std::string text;
+    for (size_t i = 0; i < lines.size(); ++i)
+        text += lines[i] + (i % 5 == 0 ? "\r\n" : "\n") +
+                (i % 11 == 0 ? std::string(1, '\0') + "z\n" : "");
+    TempFile file;
+    file.Write(text);
+    TempFile copied("copied.txt");
+    TempFile expected("expected.txt");
+    {
+        CDelimitFile in(file.c_str(), CFile::modeRead);
+        CDelimitFile out(copied.c_str(), CFile::modeWrite | CFile::modeCreate);
+        CString header;
+        while (in.CopyToNextSection(out, header))
+            out.WriteRecord("<" + header + ">");
+        CDelimitFile reference(file.c_str(), CFile::modeRead);
+        CDelimitFile written(expected.c_str(), CFile::modeWrite | CFile::modeCreate);
+        CString line;
+        while (reference.ReadString(line)) {
+            if (reference.ClassifyLine(line.view()) == RECORD_PARAGRAPH)
+                written.WriteRecord("<" + line + ">");
+            else if (!line.IsEmpty())
+                written.WriteRecord(line);
+        }
+    }
+    EXPECT_TRUE(copied.Read() == expected.Read());
 }
 
 TEST(DelimitFileTest, SkipOperationsStopAtTheirMarkOrAtEndOfFile) {
