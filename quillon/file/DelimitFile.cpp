@@ -173,9 +173,20 @@ int CDelimitFile::ReadFieldViews(std::string_view* fields, int maxFields, int* t
         return -1;
     // The fields are cut as SplitInto cuts them; only the first maxFields are kept.
     const std::string_view delimiters = m_delimiters.view();
+    // Fields are short: with one delimiter a plain scan beats a library search per field.
+    const auto findDelimiter = [&](std::string_view text) -> size_t {
+        if (delimiters.size() != 1)
+            return text.find_first_of(delimiters);
+        const char delimiter = delimiters.front();
+        for (size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == delimiter)
+                return i;
+        }
+        return std::string_view::npos;
+    };
     int count = 0;
     while (!line.empty() && count < maxFields) {
-        const size_t at = line.find_first_of(delimiters);
+        const size_t at = findDelimiter(line);
         if (at == std::string_view::npos) {
             fields[count++] = line;
             break;
