@@ -35,7 +35,6 @@ public:
     ~MolfileDirectory() { SetHostHooks(m_saved); }
     std::filesystem::path Path(const std::string& name) const { return m_folder.Folder() / name; }
     std::string Prefix() const { return m_folder.Folder().string() + "/"; }
-    void CreateList() const { std::ofstream(Path("Molfiles.list")); }
 
 private:
     TempFile m_folder;
@@ -88,7 +87,7 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     EXPECT_EQ(unlisted.GetWell(), 5);
     EXPECT_FALSE(std::filesystem::exists(directory.Path("R_7.mol")));
 
-    directory.CreateList();
+    ASSERT_TRUE(CMolfile::StartList());
     CSampleData sample;
     EXPECT_EQ(ReadSample(sample, kMolfileList), "AFTER");
     EXPECT_EQ(sample.GetWell(), 5);
@@ -96,6 +95,23 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     EXPECT_EQ(FileText(directory.Path("Molfiles.list")), prefix + "_7.mol\n" + prefix +
                                                              "R_7.mol\n" + prefix + "R_7.mol\n" +
                                                              prefix + "___up____x_7.mol\n");
+    // The listed paths split back into the references (as made safe) and the sample number.
+    CStringArray listed;
+    ASSERT_TRUE(CMolfile::ReadList(listed));
+    ASSERT_EQ(listed.GetSize(), 4);
+    const char* references[] = {"", "R", "R", "___up____x"};
+    for (int i = 0; i < listed.GetSize(); ++i) {
+        CString reference;
+        int number = 0;
+        EXPECT_TRUE(CMolfile::SplitMolfilePath(listed[i], reference, number)) << listed[i];
+        EXPECT_EQ(reference, references[i]);
+        EXPECT_EQ(number, 7);
+    }
+    CString reference;
+    int number = 0;
+    for (const std::string& other : {std::string("/elsewhere/R_7.mol"), prefix + "R.mol",
+                                     prefix + "R_x.mol", prefix + "R_7.txt", prefix + ".mol"})
+        EXPECT_FALSE(CMolfile::SplitMolfilePath(other.c_str(), reference, number)) << other;
     EXPECT_EQ(FileText(directory.Path("_7.mol")), "nameless\n");
     EXPECT_EQ(FileText(directory.Path("R_7.mol")), "second\n"); // the second replaced it
     EXPECT_EQ(FileText(directory.Path("___up____x_7.mol")), "escaped\n");
@@ -106,6 +122,11 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
                                    "line\n  {\n }\n"),
               "");
     EXPECT_EQ(FileText(directory.Path("U_8.mol")), "line\n  {\n }\nAFTER\n");
+
+    // Starting the list again empties it.
+    ASSERT_TRUE(CMolfile::StartList());
+    ASSERT_TRUE(CMolfile::ReadList(listed));
+    EXPECT_EQ(listed.GetSize(), 0);
 }
 
 CMetaboliteData WithMolecule(const char* reference) {
@@ -150,7 +171,14 @@ TEST(MolfileTest, DimensionsComeFromTheHeaderLineAndTheSearchPrefersNeighbours) 
     EXPECT_EQ(Sample(3, "C", true).SetMoleculeDimensions(), 2);  // no code
     EXPECT_EQ(Sample(4, "C", true).SetMoleculeDimensions(), 2);  // no molfile
     EXPECT_EQ(Sample(1, "C", false).SetMoleculeDimensions(), 0); // no molfile list
-    EXPECT_EQ(CSampleData().SetMoleculeDimensions(), 0);         // no metabolites
+    CString name;
+    int dimensions = 0;
+    EXPECT_TRUE(CMolfile::ReadHeader(directory.Path("M_1.mol").c_str(), name, dimensions));
+    EXPECT_EQ(name, "name");
+    EXPECT_FALSE(CMolfile::ReadHeader(directory.Path("none.mol").c_str(), name, dimensions));
+    EXPECT_EQ(name, "");
+    EXPECT_EQ(dimensions, 2);
+    EXPECT_EQ(CSampleData().SetMoleculeDimensions(), 0); // no metabolites
 
     // Samples 1..6: 2D molfiles for 1, 3 and 6; sample 5's compound has no formula.
     WriteMolfile(directory, 2, "  QUILLON 03122609143D");
@@ -178,7 +206,7 @@ TEST(MolfileTest, DimensionsComeFromTheHeaderLineAndTheSearchPrefersNeighbours) 
 
 TEST(MolfileTest, TheExampleBatchMolfilesAreExtracted) {
     const MolfileDirectory directory;
-    directory.CreateList();
+    ASSERT_TRUE(CMolfile::StartList());
     CSamples samples;
     ASSERT_EQ(
         samples.Read(
@@ -200,11 +228,11 @@ TEST(MolfileTest, TheExampleBatchMolfilesAreExtracted) {
         EXPECT_EQ(FileText(path.c_str()).rfind("Chlorpromazine\n", 0), 0u) << path.c_str();
     }
     EXPECT_GT(withStructure, 0);
-    std::istringstream list(FileText(directory.Path("Molfiles.list")));
-    int listed = 0;
-    for (std::string line; std::getline(list, line); ++listed)
-        EXPECT_TRUE(std::filesystem::exists(line)) << line;
-    EXPECT_GE(listed, withStructure);
+    CStringArray listed;
+    ASSERT_TRUE(CMolfile::ReadList(listed));
+    for (const CString& path : listed)
+        EXPECT_TRUE(std::filesystem::exists(path.str())) << path;
+    EXPECT_GE(listed.GetSize(), withStructure);
 }
 
 } // namespace
