@@ -178,9 +178,11 @@ void CDelimitFile::MoveToNextSection() {
 
 void CDelimitFile::SkipFollowingBlock() {
     const int64_t before = GetPosition();
-    if (!ReadString(m_line))
-        return;
-    if (ClassifyLine(m_line.view()) != RECORD_BLOCK_START) {
+    // Empty and comment lines may stand between a header and its block, as readers allow.
+    int type = RECORD_EMPTY;
+    while ((type == RECORD_EMPTY || type == RECORD_COMMENT) && ReadString(m_line))
+        type = ClassifyLine(m_line.view());
+    if (type != RECORD_BLOCK_START) {
         Seek(before, CFile::begin);
         return;
     }
