@@ -69,16 +69,28 @@ python3 -c "import json,sys; m=[r for r in json.load(open(sys.argv[1]))['metabol
 # The label is written (the report's readers pass over that column).
 grep -q "checked by e2e" "$work/edited.txt" || fail "the label was not written"
 
-# A save that fails leaves the original byte for byte: a read-only folder as the target.
+# A save that fails leaves the original byte for byte and no temporary file behind: a folder that
+# takes no new file (the superuser, whom permissions do not stop, saves as an unprivileged user),
+# a folder that does not exist, and a file-size limit that makes the write fail half-way (its
+# signal ignored, so that the write fails rather than the program).
 cp "$work/edited.txt" "$work/keep.txt" && cp "$work/edited.txt" "$work/before.txt"
-if [ "$(id -u)" -ne 0 ]; then
+unprivileged=()
+if [ "$(id -u)" -eq 0 ]; then
+    unprivileged=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+fi
+if [ "$(id -u)" -ne 0 ] || "${unprivileged[@]}" true 2>/dev/null; then
     mkdir -p "$work/locked" && cp "$work/edited.txt" "$work/locked/r.txt" && chmod 555 "$work/locked"
-    expect 1 "$quillon" edit "$work/locked/r.txt" --in-place --sample 4 --metabolite 0 --unconfirm
+    expect 1 "${unprivileged[@]}" "$quillon" edit "$work/locked/r.txt" --in-place --sample 4 --metabolite 0 --unconfirm
     cmp -s "$work/locked/r.txt" "$work/before.txt" || fail "a failed save changed the original"
+    [ "$(ls -A "$work/locked")" = r.txt ] || fail "a failed save left files: $(ls -A "$work/locked")"
     chmod 755 "$work/locked"
 fi
 expect 1 "$quillon" edit "$work/keep.txt" -o "$work/no/such/folder/out.txt" --sample 4 --metabolite 0 --unconfirm
 cmp -s "$work/keep.txt" "$work/before.txt" || fail "a failed save changed the input"
+mkdir -p "$work/limited" && cp "$work/edited.txt" "$work/limited/r.txt"
+expect 1 bash -c 'trap "" XFSZ; ulimit -f 64; exec "$@"' limited "$quillon" edit "$work/limited/r.txt" --in-place --sample 4 --metabolite 0 --unconfirm
+cmp -s "$work/limited/r.txt" "$work/before.txt" || fail "a save cut short changed the original"
+[ "$(ls -A "$work/limited")" = r.txt ] || fail "a save cut short left files: $(ls -A "$work/limited")"
 
 # Bad input: one clear line naming the file, and the right exit code.
 expect 1 "$quillon" info "$work/missing.txt"
