@@ -451,19 +451,24 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     bool lineEndSet = false;
     // Where the sample headers go in the new file: the starts the next write goes by.
     std::vector<int64_t> writtenStarts;
-    while (in->ReadString(line)) {
+    // Every line but the empty ones and the section headers is copied as it stands; section
+    // headers are told by the same rule the reader goes by.
+    for (;;) {
         if (!lineEndSet) {
+            if (!in->ReadString(line))
+                break;
             // The copy keeps the line ends of the file it copies.
             out->SetLineEnd(in->GetLineEndRead());
             lineEndSet = true;
+            if (in->ClassifyLine(line.view()) != RECORD_PARAGRAPH) {
+                if (!line.IsEmpty())
+                    out->WriteRecord(line);
+                continue;
+            }
+        } else if (!in->CopyToNextSection(*out, line)) {
+            break;
         }
-        if (line.IsEmpty())
-            continue;
-        // Section headers are told by the same rule the reader goes by.
-        if (in->ClassifyLine(line.view(), &section) != RECORD_PARAGRAPH) {
-            out->WriteRecord(line);
-            continue;
-        }
+        in->ClassifyLine(line.view(), &section);
         bool startsSample = false;
         if (section == kSampleSectionName || section == kSampleAppendSectionName) {
             startsSample = StartsSample(*in);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <cstring>
+#include <iterator>
 
 namespace quillon {
 
@@ -25,10 +27,24 @@ void CDelimitFile::Initialise() {
     m_blockStart = "{";
     m_blockEnd = "}";
     m_lineEnd = "\n";
+    UpdateMarkerStarts();
+}
+
+void CDelimitFile::UpdateMarkerStarts() {
+    std::fill(std::begin(m_markerStart), std::end(m_markerStart), false);
+    for (const CString* marker : {&m_sectionStart, &m_comment, &m_blockStart, &m_blockEnd}) {
+        if (!marker->IsEmpty())
+            m_markerStart[static_cast<unsigned char>(marker->view().front())] = true;
+    }
+    // A line that begins with a delimiter is classified by the slow rule too, since skipped
+    // leading delimiters may stand before a marker.
+    for (const char delimiter : m_delimiters.view())
+        m_markerStart[static_cast<unsigned char>(delimiter)] = true;
 }
 
 int CDelimitFile::SetDelimiters(const char* delimiters) {
     m_delimiters = delimiters;
+    UpdateMarkerStarts();
     return 1;
 }
 
@@ -67,6 +83,8 @@ int CDelimitFile::ClassifyFirstField(std::string_view first, size_t& keepFrom,
                                      size_t& keepLength) const {
     keepFrom = 0;
     keepLength = first.size();
+    if (first.empty() || !MayStartMarker(first.front()))
+        return RECORD_FIELD;
     if (BeginsWith(first, m_comment)) {
         keepFrom = m_comment.str().size();
         keepLength = first.size() - keepFrom;
@@ -137,38 +155,77 @@ int CDelimitFile::ParseDelimitedString(CString text, CStringArray& fields, int* 
 }
 
 int CDelimitFile::ReadDelimitedString(CStringArray& fields, int* type) {
-    if (!ReadString(m_line)) {
+    std::string_view line;
+    if (!ReadLineView(line)) {
         fields.RemoveAll();
         return 0;
     }
-    SplitInto(m_line.view(), fields, 0);
+    SplitInto(line, fields, 0);
     if (type != nullptr)
         *type = Classify(fields);
     UpdateStatus();
     return 1;
 }
 
+int CDelimitFile::ReadFieldViews(std::string_view* fields, int maxFields, int* type) {
+    std::string_view line;
+    if (!ReadLineView(line))
+        return -1;
+    // The fields are cut as SplitInto cuts them; only the first maxFields are kept.
+    const std::string_view delimiters = m_delimiters.view();
+    int count = 0;
+    while (!line.empty() && count < maxFields) {
+        const size_t at = line.find_first_of(delimiters);
+        if (at == std::string_view::npos) {
+            fields[count++] = line;
+            break;
+        }
+        if (at != 0 || !m_skipMultipleDelimiters)
+            fields[count++] = line.substr(0, at);
+        line.remove_prefix(at + 1);
+    }
+    int kind = RECORD_EMPTY;
+    if (count > 0) {
+        size_t keepFrom = 0;
+        size_t keepLength = 0;
+        kind = ClassifyFirstField(fields[0], keepFrom, keepLength);
+        if (kind != RECORD_FIELD)
+            fields[0] = fields[0].substr(keepFrom, keepLength);
+    }
+    if (type != nullptr)
+        *type = kind;
+    UpdateStatus();
+    return count;
+}
+
+bool CDelimitFile::IsSectionHeader(std::string_view line) const {
+    return !line.empty() && MayStartMarker(line.front()) && ClassifyLine(line) == RECORD_PARAGRAPH;
+}
+
 void CDelimitFile::SkipToNextSection() {
-    while (ReadString(m_line)) {
-        if (ClassifyLine(m_line.view()) == RECORD_PARAGRAPH)
+    std::string_view line;
+    while (ReadLineView(line)) {
+        if (ClassifyLine(line) == RECORD_PARAGRAPH)
             return;
     }
 }
 
 void CDelimitFile::SkipToEndOfBlock() {
-    while (ReadString(m_line)) {
-        if (ClassifyLine(m_line.view()) == RECORD_BLOCK_END)
+    std::string_view line;
+    while (ReadLineView(line)) {
+        if (ClassifyLine(line) == RECORD_BLOCK_END)
             return;
     }
 }
 
 void CDelimitFile::MoveToNextSection() {
+    std::string_view line;
     int depth = 0;
     do {
         // Unlike a block reader, this stops at end of file: a truncated report must not hang.
-        if (!ReadString(m_line))
+        if (!ReadLineView(line))
             return;
-        const int type = ClassifyLine(m_line.view());
+        const int type = ClassifyLine(line);
         if (type == RECORD_BLOCK_START)
             ++depth;
         else if (type == RECORD_BLOCK_END)
@@ -179,20 +236,73 @@ void CDelimitFile::MoveToNextSection() {
 void CDelimitFile::SkipFollowingBlock() {
     const int64_t before = GetPosition();
     // Empty and comment lines may stand between a header and its block, as readers allow.
+    std::string_view line;
     int type = RECORD_EMPTY;
-    while ((type == RECORD_EMPTY || type == RECORD_COMMENT) && ReadString(m_line))
-        type = ClassifyLine(m_line.view());
+    while ((type == RECORD_EMPTY || type == RECORD_COMMENT) && ReadLineView(line))
+        type = ClassifyLine(line);
     if (type != RECORD_BLOCK_START) {
         Seek(before, CFile::begin);
         return;
     }
     int depth = 1;
-    while (depth > 0 && ReadString(m_line)) {
-        const int type = ClassifyLine(m_line.view());
+    while (depth > 0 && ReadLineView(line)) {
+        type = ClassifyLine(line);
         if (type == RECORD_BLOCK_START)
             ++depth;
         else if (type == RECORD_BLOCK_END)
             --depth;
+    }
+}
+
+bool CDelimitFile::CopyToNextSection(CDelimitFile& out, CString& header) {
+    const std::string_view lineEnd = out.m_lineEnd.view();
+    for (;;) {
+        // The whole lines the read buffer holds are taken in place: a run of lines that can be
+        // copied as they stand is written at once when something else comes, or at the end.
+        const std::string_view input = BufferedInput();
+        size_t runStart = 0;
+        size_t at = 0;
+        const auto flushRun = [&](size_t end) {
+            if (end > runStart)
+                out.WriteBytes(input.substr(runStart, end - runStart));
+        };
+        while (at < input.size()) {
+            const void* lineFeed = std::memchr(input.data() + at, '\n', input.size() - at);
+            if (lineFeed == nullptr)
+                break; // an incomplete line: read below, on its own
+            const size_t next =
+                static_cast<size_t>(static_cast<const char*>(lineFeed) - input.data()) + 1;
+            const std::string_view raw = input.substr(at, next - at);
+            const std::string_view line = TakeLine(raw);
+            if (IsSectionHeader(line)) {
+                flushRun(at);
+                ConsumeBuffered(next);
+                header.str().assign(line);
+                return true;
+            }
+            const bool keepsItsEnd = !line.empty() && raw.size() == line.size() + lineEnd.size() &&
+                                     raw.substr(line.size()) == lineEnd;
+            if (!keepsItsEnd) {
+                flushRun(at);
+                if (!line.empty())
+                    out.WriteRecord(CString(line));
+                runStart = next;
+            }
+            at = next;
+        }
+        flushRun(at);
+        ConsumeBuffered(at);
+        if (at < input.size() || input.empty()) {
+            std::string_view line;
+            if (!ReadLineView(line))
+                return false;
+            if (IsSectionHeader(line)) {
+                header.str().assign(line);
+                return true;
+            }
+            if (!line.empty())
+                out.WriteRecord(CString(line));
+        }
     }
 }
 

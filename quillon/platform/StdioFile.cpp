@@ -1,5 +1,6 @@
 #include <quillon/platform/StdioFile.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +13,9 @@ namespace quillon {
 QUILLON_IMPLEMENT_DYNAMIC(CStdioFile, CFile)
 
 namespace {
+
+// The size of one read from the stream.
+constexpr size_t kReadBlockSize = size_t{1} << 20;
 
 // Drops the carriage return of a line that ends in carriage return and line feed.
 size_t DropCarriageReturn(char* line, size_t length) {
@@ -36,13 +40,14 @@ CStdioFile::CStdioFile(const char* fileName, UINT openFlags) {
 CStdioFile::~CStdioFile() {
     if (m_bCloseOnDelete)
         CloseQuietly();
-    std::free(m_lineBuffer);
+    std::free(m_readBuffer);
 }
 
 BOOL CStdioFile::Open(const char* fileName, UINT openFlags, CFileException* error) {
     if (m_pStream != nullptr && m_bCloseOnDelete)
         CloseQuietly();
     m_pStream = nullptr;
+    m_readStart = m_readEnd = 0;
     m_strFileName = fileName;
 
     const UINT access = openFlags & 0x3;
@@ -102,6 +107,7 @@ BOOL CStdioFile::Open(const char* fileName, UINT openFlags, CFileException* erro
 void CStdioFile::Close() {
     FILE* stream = m_pStream;
     m_pStream = nullptr;
+    m_readStart = m_readEnd = 0;
     m_bCloseOnDelete = false;
     if (stream != nullptr && std::fclose(stream) != 0)
         ThrowError("close", errno);
@@ -111,64 +117,146 @@ void CStdioFile::CloseQuietly() noexcept {
     if (m_pStream != nullptr)
         std::fclose(m_pStream);
     m_pStream = nullptr;
+    m_readStart = m_readEnd = 0;
     m_bCloseOnDelete = false;
+}
+
+bool CStdioFile::FillReadBuffer() {
+    if (m_pStream == nullptr)
+        return false;
+    if (m_readStart > 0) {
+        std::memmove(m_readBuffer, m_readBuffer + m_readStart, m_readEnd - m_readStart);
+        m_readEnd -= m_readStart;
+        m_readStart = 0;
+    }
+    if (m_readCapacity - m_readEnd < kReadBlockSize) {
+        // A line longer than the buffer grows it by half again, so a long line costs linear time.
+        const size_t capacity =
+            std::max(m_readCapacity + m_readCapacity / 2, m_readEnd + kReadBlockSize);
+        char* grown = static_cast<char*>(std::realloc(m_readBuffer, capacity));
+        if (grown == nullptr)
+            ThrowError("read", ENOMEM);
+        m_readBuffer = grown;
+        m_readCapacity = capacity;
+    }
+    const size_t read =
+        std::fread(m_readBuffer + m_readEnd, 1, m_readCapacity - m_readEnd, m_pStream);
+    if (read == 0 && std::ferror(m_pStream))
+        ThrowError("read", errno != 0 ? errno : EIO);
+    m_readEnd += read;
+    return read > 0;
+}
+
+void CStdioFile::DropReadAhead() {
+    if (m_readEnd > m_readStart && m_pStream != nullptr) {
+        const off_t ahead = static_cast<off_t>(m_readEnd - m_readStart);
+        if (::fseeko(m_pStream, -ahead, SEEK_CUR) != 0)
+            ThrowError("seek in", errno);
+    }
+    m_readStart = m_readEnd = 0;
+}
+
+std::string_view CStdioFile::BufferedInput() {
+    if (m_readStart == m_readEnd)
+        FillReadBuffer();
+    return std::string_view(m_readBuffer + m_readStart, m_readEnd - m_readStart);
+}
+
+std::string_view CStdioFile::TakeLine(std::string_view raw) {
+    m_lastLineLength = static_cast<int64_t>(raw.size());
+    if (raw.empty() || raw.back() != '\n')
+        return raw;
+    raw.remove_suffix(1);
+    const bool crlf = !raw.empty() && raw.back() == '\r';
+    if (!m_bLineEndKnown) {
+        m_bLineEndKnown = true;
+        m_bCrLfRead = crlf;
+    }
+    if (crlf && m_bTextMode)
+        raw.remove_suffix(1);
+    return raw;
+}
+
+bool CStdioFile::ReadLineView(std::string_view& line) {
+    line = std::string_view();
+    if (m_pStream == nullptr)
+        return false;
+    size_t searched = m_readStart;
+    for (;;) {
+        const char* from = m_readBuffer + searched;
+        const void* lineFeed =
+            searched < m_readEnd ? std::memchr(from, '\n', m_readEnd - searched) : nullptr;
+        if (lineFeed != nullptr) {
+            const size_t end =
+                static_cast<size_t>(static_cast<const char*>(lineFeed) - m_readBuffer) + 1;
+            line = TakeLine(std::string_view(m_readBuffer + m_readStart, end - m_readStart));
+            m_readStart = end;
+            return true;
+        }
+        const size_t pending = m_readEnd - m_readStart;
+        if (!FillReadBuffer()) {
+            if (m_readEnd == m_readStart) {
+                m_lastLineLength = 0;
+                return false;
+            }
+            // The last line has no line feed.
+            line = TakeLine(std::string_view(m_readBuffer + m_readStart, m_readEnd - m_readStart));
+            m_readStart = m_readEnd;
+            return true;
+        }
+        searched = m_readStart + pending; // only the new bytes are searched again
+    }
+}
+
+BOOL CStdioFile::ReadString(CString& line) {
+    std::string_view view;
+    const bool read = ReadLineView(view);
+    line.str().assign(view);
+    return read ? TRUE : FALSE;
 }
 
 char* CStdioFile::ReadString(char* buffer, UINT maxChars) {
     if (m_pStream == nullptr || buffer == nullptr || maxChars == 0)
         return nullptr;
-    if (std::fgets(buffer, static_cast<int>(maxChars), m_pStream) == nullptr) {
-        if (std::ferror(m_pStream))
-            ThrowError("read", errno);
-        buffer[0] = '\0';
-        return nullptr;
+    // As fgets: at most maxChars - 1 characters, up to and including a line feed.
+    size_t length = 0;
+    while (length + 1 < maxChars) {
+        const std::string_view input = BufferedInput();
+        if (input.empty())
+            break;
+        const size_t room = std::min<size_t>(maxChars - 1 - length, input.size());
+        const void* lineFeed = std::memchr(input.data(), '\n', room);
+        const size_t take =
+            lineFeed != nullptr
+                ? static_cast<size_t>(static_cast<const char*>(lineFeed) - input.data()) + 1
+                : room;
+        std::memcpy(buffer + length, input.data(), take);
+        ConsumeBuffered(take);
+        length += take;
+        if (lineFeed != nullptr)
+            break;
     }
+    buffer[length] = '\0';
+    if (length == 0 && maxChars > 1)
+        return nullptr;
     if (!m_bTextMode)
         return buffer;
-    size_t length = std::strlen(buffer);
     length = DropCarriageReturn(buffer, length);
     // A carriage return that filled the buffer may be the first half of a line end.
     if (length > 0 && buffer[length - 1] == '\r') {
-        const int next = std::getc(m_pStream);
-        if (next == '\n')
+        const std::string_view next = BufferedInput();
+        if (!next.empty() && next.front() == '\n') {
             buffer[length - 1] = '\n';
-        else if (next != EOF)
-            std::ungetc(next, m_pStream);
+            ConsumeBuffered(1);
+        }
     }
     return buffer;
-}
-
-BOOL CStdioFile::ReadString(CString& line) {
-    line.Empty();
-    if (m_pStream == nullptr)
-        return FALSE;
-    errno = 0;
-    const ssize_t read = ::getline(&m_lineBuffer, &m_lineCapacity, m_pStream);
-    if (read < 0) {
-        // Only the end of the file ends reading; a failed read or a line that cannot be held in
-        // memory is an error, never a silent end.
-        if (std::ferror(m_pStream) || !std::feof(m_pStream))
-            ThrowError("read", errno != 0 ? errno : EIO);
-        m_lastLineLength = 0;
-        return FALSE;
-    }
-    m_lastLineLength = static_cast<int64_t>(read);
-    size_t length = static_cast<size_t>(read);
-    if (!m_bLineEndKnown && m_lineBuffer[length - 1] == '\n') {
-        m_bLineEndKnown = true;
-        m_bCrLfRead = length >= 2 && m_lineBuffer[length - 2] == '\r';
-    }
-    if (m_bTextMode)
-        length = DropCarriageReturn(m_lineBuffer, length);
-    if (length > 0 && m_lineBuffer[length - 1] == '\n')
-        --length;
-    line.str().assign(m_lineBuffer, length);
-    return TRUE;
 }
 
 void CStdioFile::WriteString(const char* text) {
     if (m_pStream == nullptr)
         ThrowError("write", EBADF);
+    DropReadAhead();
     if (text != nullptr && std::fputs(text, m_pStream) == EOF)
         ThrowError("write", errno);
 }
@@ -176,6 +264,7 @@ void CStdioFile::WriteString(const char* text) {
 void CStdioFile::WriteBytes(std::string_view bytes) {
     if (m_pStream == nullptr)
         ThrowError("write", EBADF);
+    DropReadAhead();
     if (std::fwrite(bytes.data(), 1, bytes.size(), m_pStream) != bytes.size())
         ThrowError("write", errno);
 }
@@ -186,13 +275,14 @@ int64_t CStdioFile::GetPosition() const {
     const off_t position = ::ftello(m_pStream);
     if (position < 0)
         ThrowError("read the position of", errno);
-    return position;
+    return position - static_cast<off_t>(m_readEnd - m_readStart);
 }
 
 int64_t CStdioFile::Seek(int64_t offset, UINT from) {
     if (m_pStream == nullptr)
         ThrowError("seek in", EBADF);
     const int origin = from == current ? SEEK_CUR : from == end ? SEEK_END : SEEK_SET;
+    DropReadAhead();
     if (::fseeko(m_pStream, offset, origin) != 0)
         ThrowError("seek in", errno);
     return GetPosition();
@@ -209,6 +299,7 @@ int64_t CStdioFile::GetLength() const {
 }
 
 void CStdioFile::SetLength(int64_t newLength) {
+    DropReadAhead();
     Flush();
     if (::ftruncate(::fileno(m_pStream), newLength) != 0)
         ThrowError("resize", errno);

@@ -12,6 +12,10 @@ namespace quillon {
 // carriage return and line feed reads exactly like one that ends in a line feed, and the file
 // remembers which of the two its first line had; writing writes the text as it stands. Errors of
 // the file itself throw CFileException.
+//
+// Reading goes through a read buffer of the file's own, filled in large blocks, from which whole
+// lines are handed out as views without copying; positions, seeks and writes account for what the
+// buffer holds, so the file behaves as if read byte by byte.
 class CStdioFile : public CFile {
     QUILLON_DECLARE_DYNAMIC(CStdioFile)
 
@@ -33,6 +37,9 @@ public:
     // Reads one whole line of any length without its line end. Returns TRUE when a line was read
     // (a last line without a line feed included), FALSE at end of file with an empty text.
     virtual BOOL ReadString(CString& line);
+    // The same line as a view into the read buffer, valid until the next read, seek or write.
+    // Every reading of whole lines goes through it, so a derived file can watch lines here.
+    virtual bool ReadLineView(std::string_view& line);
     // The bytes the last whole-line ReadString consumed, its line end ("\n" or "\r\n")
     // included; 0 after end of file.
     int64_t GetLastLineLength() const { return m_lastLineLength; }
@@ -55,17 +62,35 @@ public:
 protected:
     [[noreturn]] void ThrowError(const char* operation, int osError) const;
 
+    // Bulk access for readers that take many lines at a time. BufferedInput gives the unread bytes
+    // the read buffer holds, filling it first when it is empty (empty at end of file); its last
+    // line may be incomplete. ConsumeBuffered marks the first count of them as read.
+    std::string_view BufferedInput();
+    void ConsumeBuffered(size_t count) { m_readStart += count; }
+    // Takes a raw line (its line feed included, when it has one) as the line just read: notes its
+    // length and the file's line end, and returns it without its line end.
+    std::string_view TakeLine(std::string_view raw);
+
     bool m_bCloseOnDelete = false;
     bool m_bTextMode = true;
 
 private:
     void CloseQuietly() noexcept;
 
+    // Reads more of the file behind the unread bytes of the read buffer, moving them to its
+    // start and growing it when a line fills it whole. Returns false at end of file.
+    bool FillReadBuffer();
+    // Gives the stream back the bytes read ahead, so that it stands where the reader does.
+    void DropReadAhead();
+
     int64_t m_lastLineLength = 0;
     bool m_bLineEndKnown = false;
     bool m_bCrLfRead = false;
-    char* m_lineBuffer = nullptr; // reused by ReadString(CString&) from line to line
-    size_t m_lineCapacity = 0;
+    // The read buffer: bytes [m_readStart, m_readEnd) are read from the stream but not yet taken.
+    char* m_readBuffer = nullptr;
+    size_t m_readCapacity = 0;
+    size_t m_readStart = 0;
+    size_t m_readEnd = 0;
 };
 
 } // namespace quillon

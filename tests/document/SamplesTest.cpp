@@ -64,8 +64,8 @@ private:
 class FailingFile : public CDelimitFile {
 public:
     using CDelimitFile::CDelimitFile;
-    BOOL ReadString(CString& line) override {
-        const BOOL read = CDelimitFile::ReadString(line);
+    bool ReadLineView(std::string_view& line) override {
+        const bool read = CDelimitFile::ReadLineView(line);
         if (line == "FAIL FILE")
             throw CFileException(CFileException::hardIO, 5, "report.txt", "read");
         if (line == "FAIL PLAIN")
