@@ -64,23 +64,4 @@ TEST(ParametersDataTest, LaterListsReplaceEarlierOnesAndEmptyLinesChangeNothing)
     EXPECT_EQ(Values(parameters.PositiveAdducts()), (std::vector<float>{4.0f}));
     EXPECT_EQ(Values(parameters.NegativeAdducts()), (std::vector<float>{5.0f, 6.0f}));
     EXPECT_EQ(parameters.SigPeaks(), 3);
-
-    CParametersData empty;
-    ReadBlock(empty, "{\n}\n");
-    EXPECT_EQ(empty.PeakFindMode(), "");
-    EXPECT_EQ(empty.PositiveAdducts().GetSize(), 0);
-    EXPECT_EQ(empty.SigPeaks(), 0);
-}
-
-TEST(ParametersDataTest, ACopyKeepsItsOwnAdductLists) {
-    CParametersData source;
-    CFloatArray adducts;
-    adducts.Add(1.5f);
-    source.PositiveAdductsSet(adducts);
-
-    CParametersData copy(source);
-    adducts.Add(2.5f);
-    source.PositiveAdductsSet(adducts);
-    EXPECT_EQ(Values(copy.PositiveAdducts()), (std::vector<float>{1.5f}));
-    EXPECT_EQ(Values(source.PositiveAdducts()), (std::vector<float>{1.5f, 2.5f}));
 }
