@@ -5,12 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <random>
 #include <sstream>
 #include <string>
-#include <vector>
 
 using namespace quillon;
 using quillon::testing::TempFile;
@@ -76,9 +74,9 @@ int SampleHeaders(const std::string& text) {
     return count;
 }
 
-// Bytes that are no report at all, a report whose lines were shuffled, and reports with markers,
-// delimiters and line ends put in random places neither crash nor hang the reader.
-TEST(SamplesDamagedInputTest, GarbageShuffledAndMutatedReportsAreReadWithoutHarm) {
+// Bytes that are no report at all and reports with markers, delimiters and line ends put in random
+// places make no samples beyond their headers.
+TEST(SamplesDamagedInputTest, GarbageAndMutatedReportsAreReadWithoutHarm) {
     TempFile file("garbage.txt");
     std::mt19937 random(12345);
     std::string garbage(64 * 1024, '\0');
@@ -87,16 +85,6 @@ TEST(SamplesDamagedInputTest, GarbageShuffledAndMutatedReportsAreReadWithoutHarm
     EXPECT_EQ(ReadSamples(file, garbage), 0);
 
     const std::string report = ExampleReport();
-    std::istringstream lines(report);
-    std::vector<std::string> all;
-    for (std::string line; std::getline(lines, line);)
-        all.push_back(line);
-    std::shuffle(all.begin(), all.end(), random);
-    std::string shuffled;
-    for (const std::string& line : all)
-        shuffled += line + "\n";
-    EXPECT_LE(ReadSamples(file, shuffled), SampleHeaders(shuffled));
-
     const std::string damage = "\t\n{}[];0-.eA";
     for (int mutant = 0; mutant < 30; ++mutant) {
         std::string mutated = report;
