@@ -176,36 +176,5 @@ TEST(MolfileTest, DimensionsComeFromTheHeaderLineAndTheSearchPrefersNeighbours) 
     EXPECT_EQ(numberOf(99), 6); // no such number: the last sample
 }
 
-TEST(MolfileTest, TheExampleBatchMolfilesAreExtracted) {
-    const MolfileDirectory directory;
-    directory.CreateList();
-    CSamples samples;
-    ASSERT_EQ(
-        samples.Read(
-            (std::string(QUILLON_SOURCE_DIR) + "/examples/Chlorpromazine_HLM_batch.txt").c_str()),
-        1);
-    ASSERT_GT(samples.GetSamplesCount(), 0);
-    int withStructure = 0;
-    for (int index = 0; index < samples.GetSamplesCount(); ++index) {
-        CSampleData& sample = *samples.GetSample(index);
-        const int dimensions = sample.SetMoleculeDimensions();
-        if (!sample.GetMoleculeEnabled()) {
-            EXPECT_EQ(dimensions, 0);
-            continue;
-        }
-        ++withStructure;
-        EXPECT_EQ(dimensions, 2) << sample.GetNumber();
-        const CString path =
-            CMolfile::MolfilePath(sample.GetMoleculeReference(), sample.GetNumber());
-        EXPECT_EQ(FileText(path.c_str()).rfind("Chlorpromazine\n", 0), 0u) << path.c_str();
-    }
-    EXPECT_GT(withStructure, 0);
-    std::istringstream list(FileText(directory.Path("Molfiles.list")));
-    int listed = 0;
-    for (std::string line; std::getline(list, line); ++listed)
-        EXPECT_TRUE(std::filesystem::exists(line)) << line;
-    EXPECT_GE(listed, withStructure);
-}
-
 } // namespace
 } // namespace quillon
