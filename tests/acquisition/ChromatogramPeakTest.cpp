@@ -1,23 +1,19 @@
 #include <quillon/acquisition/ChromatogramPeak.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
 
-// Reads a peak from the block of a "PEAK" section (the header already consumed by the parent).
 CChromatogramPeak ReadPeak(const std::string& block) {
-    TempFile report;
-    report.Write(block);
-    CDelimitFile file(report.c_str(), CFile::modeRead);
     CChromatogramPeak peak;
-    EXPECT_EQ(peak.Read(&file), TRUE);
+    ReadBlock(peak, block);
     return peak;
 }
 

@@ -1,34 +1,25 @@
 #include <quillon/acquisition/FunctionData.h>
 
-#include <quillon/file/DelimitFile.h>
 #include <quillon/platform/ChartSettings.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
 
-// Reads the block of a "FUNCTION" section (its header already consumed by the parent).
-void ReadInto(CFunctionData& function, const std::string& block) {
-    TempFile report;
-    report.Write(block);
-    CDelimitFile file(report.c_str(), CFile::modeRead);
-    EXPECT_EQ(function.Read(&file), TRUE);
-}
-
 TRACE_TYPE Classify(const std::string& fields) {
     CFunctionData function;
-    ReadInto(function, "{\n" + fields + "}\n");
+    ReadBlock(function, "{\n" + fields + "}\n");
     return function.GetTraceType();
 }
 
-// Chart settings that name the kind of parameter text they hand out.
+// Chart settings that name the kind of parameter text they hand out; scaling 4, offset 10.
 class LabellingChartSettings final : public CChartSettings {
 public:
     CString GetDefaultCustomChartParams(const char* description) const override {
@@ -36,8 +27,8 @@ public:
     }
     CString GetCustomChartDADParams() const override { return "diode array"; }
     CString GetCustomChartUnits(const char*) const override { return "AU"; }
-    float GetCustomChartScaling(const char*) const override { return 1.0f; }
-    float GetCustomChartOffset(const char*) const override { return 0.0f; }
+    float GetCustomChartScaling(const char*) const override { return 4.0f; }
+    float GetCustomChartOffset(const char*) const override { return 10.0f; }
     int GetCustomChartVerticalAxisDecimalDigits(const char*) const override { return 2; }
     int GetCustomChartHeaderDecimalDigits(const char*) const override { return 1; }
     int GetCustomChartUseScientificNotation(const char*) const override { return 0; }
@@ -81,15 +72,15 @@ TEST(FunctionDataTest, ReadsFieldsAndStampsItsChromatogramsAndSpectra) {
     LabellingChartSettings settings;
     SetChartSettings(&settings);
     CFunctionData function;
-    ReadInto(function, "{\n"
-                       "Function\t2\nIonMode\tES+\nType\tMS\nDescription\tScan (100:900)\n"
-                       "ConeVoltage\t30\nCollisionEnergy\t6.5\nScanCycleTime\t0.3\n"
-                       "InterScanDelay\t0.02\nUnknown\tx\n"
-                       "[CHROMATOGRAM]\n{\nDescription\tTIC\nTraceNumber\t1\n"
-                       "[TRACE]\n{\n0.5\t10\n1.0\t20\n}\n}\n"
-                       "[SPECTRUM]\n{\nDesc\tapex\nPeak ID\t4\n[MS]\n{\n100\t1\n}\n}\n"
-                       "[NOT A SECTION]\n{\nFunction\t99\n}\n"
-                       "}\n");
+    ReadBlock(function, "{\n"
+                        "Function\t2\nIonMode\tES+\nType\tMS\nDescription\tScan (100:900)\n"
+                        "ConeVoltage\t30\nCollisionEnergy\t6.5\nScanCycleTime\t0.3\n"
+                        "InterScanDelay\t0.02\nUnknown\tx\n"
+                        "[CHROMATOGRAM]\n{\nDescription\tTIC\nTraceNumber\t1\n"
+                        "[TRACE]\n{\n0.5\t10\n1.0\t20\n}\n}\n"
+                        "[SPECTRUM]\n{\nDesc\tapex\nPeak ID\t4\n[MS]\n{\n100\t1\n}\n}\n"
+                        "[NOT A SECTION]\n{\nFunction\t99\n}\n"
+                        "}\n");
     SetChartSettings(nullptr);
 
     EXPECT_EQ(function.GetNumber(), 2);
@@ -128,14 +119,15 @@ TEST(FunctionDataTest, DiodeArrayTracesReadPercentagesOfTheirMaximum) {
     LabellingChartSettings settings;
     SetChartSettings(&settings);
     CFunctionData function;
-    ReadInto(function, "{\nFunction\t3\nType\tDAD\n"
-                       "[CHROMATOGRAM]\n{\nMaxIntensity\t2000\nTraceNumber\t8\n"
-                       "[TRACE]\n{\n1.0\t50\n}\n}\n"
-                       "[SPECTRUM]\n{\nBPI\t400\n[MS]\n{\n254\t25\n}\n}\n}\n");
-    SetChartSettings(nullptr);
-
+    ReadBlock(function, "{\nFunction\t3\nType\tDAD\n"
+                        "[CHROMATOGRAM]\n{\nMaxIntensity\t2000\nTraceNumber\t8\n"
+                        "[TRACE]\n{\n1.0\t50\n}\n}\n"
+                        "[SPECTRUM]\n{\nBPI\t400\n[MS]\n{\n254\t25\n}\n}\n}\n");
     const CChromatoData* trace = function.GetTrace(8);
+    const float scaledMaximum = trace != nullptr ? trace->GetScaledMaxIntensity() : 0.0f;
+    SetChartSettings(nullptr);
     ASSERT_NE(trace, nullptr);
+    EXPECT_FLOAT_EQ(scaledMaximum, 510.0f); // 2000 / 4 + 10
     EXPECT_EQ(trace->GetTraceType(), PDA_TRACE);
     EXPECT_EQ(trace->GetCustomChartParams(), "diode array");
     CPeakData point;
@@ -149,14 +141,14 @@ TEST(FunctionDataTest, DiodeArrayTracesReadPercentagesOfTheirMaximum) {
 
 TEST(FunctionDataTest, AppendedChromatogramsExtendTheirTraceOrStartANewOne) {
     CFunctionData function;
-    ReadInto(function, "{\nFunction\t1\n"
-                       "[CHROMATOGRAM]\n{\nTraceNumber\t5\n[TRACE]\n{\n1\t1\n}\n}\n"
-                       "[CHROMATOGRAM_APPEND]\n{\nTraceNumber\t5\n[TRACE]\n{\n2\t2\n}\n}\n"
-                       "[CHROMATOGRAM_APPEND]\n{\nTraceNumber\t5\n[TRACE]\n{\n3\t3\n4\t4\n}\n}\n"
-                       "[CHROMATOGRAM_APPEND]\n{\nTraceNumber\t9\n[TRACE]\n{\n5\t5\n}\n}\n"
-                       "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
-                       "IonMode\tES-\n"
-                       "}\n");
+    ReadBlock(function, "{\nFunction\t1\n"
+                        "[CHROMATOGRAM]\n{\nTraceNumber\t5\n[TRACE]\n{\n1\t1\n}\n}\n"
+                        "[CHROMATOGRAM_APPEND]\n{\nTraceNumber\t5\n[TRACE]\n{\n2\t2\n}\n}\n"
+                        "[CHROMATOGRAM_APPEND]\n{\nTraceNumber\t5\n[TRACE]\n{\n3\t3\n4\t4\n}\n}\n"
+                        "[CHROMATOGRAM_APPEND]\n{\nTraceNumber\t9\n[TRACE]\n{\n5\t5\n}\n}\n"
+                        "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
+                        "IonMode\tES-\n"
+                        "}\n");
 
     ASSERT_EQ(function.GetNumChromatogram(), 3);
     EXPECT_EQ(PointCount(function, 5), 4);
@@ -173,12 +165,12 @@ TEST(FunctionDataTest, AppendedChromatogramsExtendTheirTraceOrStartANewOne) {
 
 TEST(FunctionDataTest, AnEmptyAppendSectionReadsNothingOfWhatFollows) {
     CFunctionData function;
-    ReadInto(function, "{\nFunction\t1\n"
-                       "[CHROMATOGRAM]\n{\nTraceNumber\t0\n[TRACE]\n{\n1\t1\n}\n}\n"
-                       "[CHROMATOGRAM_APPEND]\n{\n}\n"
-                       "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
-                       "Description\tafter\n"
-                       "}\n");
+    ReadBlock(function, "{\nFunction\t1\n"
+                        "[CHROMATOGRAM]\n{\nTraceNumber\t0\n[TRACE]\n{\n1\t1\n}\n}\n"
+                        "[CHROMATOGRAM_APPEND]\n{\n}\n"
+                        "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
+                        "Description\tafter\n"
+                        "}\n");
 
     ASSERT_EQ(function.GetNumChromatogram(), 2);
     EXPECT_EQ(PointCount(function, 0), 1);
@@ -273,8 +265,8 @@ TEST(FunctionDataTest, IsPositiveCombinesItsSpectra) {
 
 TEST(FunctionDataTest, CopiesAreDeepAndRangesFallBackToTheStart) {
     CFunctionData function;
-    ReadInto(function, "{\nFunction\t4\nDescription\tno range\n"
-                       "[CHROMATOGRAM]\n{\nTraceNumber\t1\n[TRACE]\n{\n1\t1\n}\n}\n}\n");
+    ReadBlock(function, "{\nFunction\t4\nDescription\tno range\n"
+                        "[CHROMATOGRAM]\n{\nTraceNumber\t1\n[TRACE]\n{\n1\t1\n}\n}\n}\n");
     function.AddSpectrum(SpectrumWithPeakID(2), true);
 
     CFunctionData copy(function);

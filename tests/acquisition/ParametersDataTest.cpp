@@ -1,7 +1,6 @@
 #include <quillon/acquisition/ParametersData.h>
-#include <quillon/file/DelimitFile.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
@@ -9,17 +8,9 @@
 #include <vector>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
-
-// Reads a "PARAMETERS" block (the lines after its header) into the parameters.
-void ReadBlock(CParametersData& parameters, const std::string& block) {
-    TempFile file;
-    file.Write(block);
-    CDelimitFile input(file.c_str(), CFile::modeRead);
-    EXPECT_EQ(parameters.Read(&input), TRUE);
-}
 
 std::vector<float> Values(const CFloatArray& array) {
     return std::vector<float>(array.begin(), array.end());

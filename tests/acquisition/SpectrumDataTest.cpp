@@ -1,8 +1,6 @@
 #include <quillon/acquisition/SpectrumData.h>
 
-#include <quillon/file/DelimitFile.h>
-
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
@@ -15,17 +13,9 @@
 #include <vector>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
-
-// Reads the block of a "SPECTRUM" section (its header already consumed by the parent).
-void ReadInto(CSpectrumData& spectrum, const std::string& block) {
-    TempFile report;
-    report.Write(block);
-    CDelimitFile file(report.c_str(), CFile::modeRead);
-    EXPECT_EQ(spectrum.Read(&file), TRUE);
-}
 
 using Points = std::vector<std::pair<double, double>>;
 
@@ -54,29 +44,29 @@ CResultsData Result(int found, int test, const char* text) {
 
 TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
     CSpectrumData spectrum;
-    ReadInto(spectrum, "{\n"
-                       "Process\t3\nBPI\t2000\nBPM\t455.25\nTIC\t9000\n"
-                       "Trace\tTIC\nState\tok\nDesc\tApex spectrum\nProcDesc\tcombined\n"
-                       "TraceNumber\t7\nContinuum\tTRUE\n"
-                       "Peak ID\t12\nPeak Cluster ID\t4\nPeak Ref\t2\nControl Peak ID\t30\n"
-                       "Time\t5.5\nPeak\t5.2\t5.9\nIntensity\t10\t20\n"
-                       "Unknown\t1\n"
-                       "[MS]\n{\n100.5\t10\n200.25\t20\textra\n300\n}\n"
-                       "[MASSES]\n{\n"
-                       "455.2\t455.2\n"              // too short: ignored
-                       "455.2\t455.21\t455.22\t80\n" // four fields
-                       "456.2\t1\t2\t3\tx\ty\t2\n"   // seven fields, isotope
-                       "457.2\t1\t2\t3\tx\ty\t0\n"   // seven fields, not an isotope
-                       "458.2\t1\t2\t3\tx\ty\t-1\n"
-                       "459.2\t1\t2\t3\tx\ty\tabc\n"
-                       "}\n"
-                       "[RESULTS]\n{\n"
-                       "455.2\t1\t50\n"                     // three elements: ignored
-                       "455.2\t1\t50.5\t0.9\n"              // no test
-                       "456.2\t0\t10\t0.5\t0\tlow purity\n" // test failed, with text
-                       "457.2\t1\t10\t0.5\tx\tignored\n"    // fifth element is not a test
-                       "}\n"
-                       "}\n");
+    ReadBlock(spectrum, "{\n"
+                        "Process\t3\nBPI\t2000\nBPM\t455.25\nTIC\t9000\n"
+                        "Trace\tTIC\nState\tok\nDesc\tApex spectrum\nProcDesc\tcombined\n"
+                        "TraceNumber\t7\nContinuum\tTRUE\n"
+                        "Peak ID\t12\nPeak Cluster ID\t4\nPeak Ref\t2\nControl Peak ID\t30\n"
+                        "Time\t5.5\nPeak\t5.2\t5.9\nIntensity\t10\t20\n"
+                        "Unknown\t1\n"
+                        "[MS]\n{\n100.5\t10\n200.25\t20\textra\n300\n}\n"
+                        "[MASSES]\n{\n"
+                        "455.2\t455.2\n"              // too short: ignored
+                        "455.2\t455.21\t455.22\t80\n" // four fields
+                        "456.2\t1\t2\t3\tx\ty\t2\n"   // seven fields, isotope
+                        "457.2\t1\t2\t3\tx\ty\t0\n"   // seven fields, not an isotope
+                        "458.2\t1\t2\t3\tx\ty\t-1\n"
+                        "459.2\t1\t2\t3\tx\ty\tabc\n"
+                        "}\n"
+                        "[RESULTS]\n{\n"
+                        "455.2\t1\t50\n"                     // three elements: ignored
+                        "455.2\t1\t50.5\t0.9\n"              // no test
+                        "456.2\t0\t10\t0.5\t0\tlow purity\n" // test failed, with text
+                        "457.2\t1\t10\t0.5\tx\tignored\n"    // fifth element is not a test
+                        "}\n"
+                        "}\n");
 
     EXPECT_EQ(spectrum.GetProcess(), 3);
     EXPECT_FLOAT_EQ(spectrum.GetBPI(), 2000.0f);
@@ -131,7 +121,7 @@ TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
 
 TEST(SpectrumDataTest, ShortExtentLinesAndMixedCaseContinuumChangeNothing) {
     CSpectrumData spectrum;
-    ReadInto(spectrum, "{\nPeak\t5.2\nIntensity\t10\nContinuum\tTrue\n}\n");
+    ReadBlock(spectrum, "{\nPeak\t5.2\nIntensity\t10\nContinuum\tTrue\n}\n");
     EXPECT_DOUBLE_EQ(spectrum.GetChromatPeakData()->GetStartTime(), 0.0);
     EXPECT_DOUBLE_EQ(spectrum.GetChromatPeakData()->GetStartIntensity(), 0.0);
     EXPECT_EQ(spectrum.GetContinuum(), 0);
@@ -141,7 +131,7 @@ TEST(SpectrumDataTest, CustomChartParametersMakeIntensitiesPercentagesOfTheBaseP
     CSpectrumData spectrum;
     spectrum.SetUsesCustomChartParams(1);
     // The base peak intensity in force when each point line is read scales it.
-    ReadInto(spectrum, "{\n[MS]\n{\n100\t50\n}\nBPI\t2000\n[MS]\n{\n200\t50\n}\n}\n");
+    ReadBlock(spectrum, "{\n[MS]\n{\n100\t50\n}\nBPI\t2000\n[MS]\n{\n200\t50\n}\n}\n");
     EXPECT_EQ(PointsOf(spectrum), (Points{{100.0, 0.0}, {200.0, 1000.0}}));
 }
 

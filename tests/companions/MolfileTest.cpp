@@ -1,27 +1,20 @@
 #include <quillon/companions/Molfile.h>
 #include <quillon/document/Samples.h>
-#include <quillon/file/DelimitFile.h>
 #include <quillon/platform/HostHooks.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace quillon {
 namespace {
 
+using quillon::testing::ReadBlock;
+using quillon::testing::ReadBytes;
 using quillon::testing::TempFile;
-
-std::string FileText(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
 
 // Points the molfile directory at a temporary folder for the test's lifetime.
 class MolfileDirectory {
@@ -41,17 +34,6 @@ private:
     TempFile m_folder;
     HostHooks m_saved;
 };
-
-// Reads a sample block (the lines after "[SAMPLE]") and returns the first line left unread.
-CString ReadSample(CSampleData& sample, const std::string& block) {
-    TempFile file;
-    file.Write(block + "AFTER\n");
-    CDelimitFile input(file.c_str(), CFile::modeRead);
-    EXPECT_EQ(sample.Read(&input), 1);
-    CString next;
-    input.ReadString(next);
-    return next;
-}
 
 const std::string kMolfileList = "{\n"
                                  "Sample\t7\n"
@@ -83,29 +65,29 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     const MolfileDirectory directory;
     // Without the list file nothing is written and the blocks are skipped whole.
     CSampleData unlisted;
-    EXPECT_EQ(ReadSample(unlisted, kMolfileList), "AFTER");
+    EXPECT_EQ(ReadBlock(unlisted, kMolfileList), "AFTER");
     EXPECT_TRUE(unlisted.GetMoleculeEnabled());
     EXPECT_EQ(unlisted.GetWell(), 5);
     EXPECT_FALSE(std::filesystem::exists(directory.Path("R_7.mol")));
 
     directory.CreateList();
     CSampleData sample;
-    EXPECT_EQ(ReadSample(sample, kMolfileList), "AFTER");
+    EXPECT_EQ(ReadBlock(sample, kMolfileList), "AFTER");
     EXPECT_EQ(sample.GetWell(), 5);
     const std::string prefix = directory.Prefix();
-    EXPECT_EQ(FileText(directory.Path("Molfiles.list")), prefix + "_7.mol\n" + prefix +
-                                                             "R_7.mol\n" + prefix + "R_7.mol\n" +
-                                                             prefix + "___up____x_7.mol\n");
-    EXPECT_EQ(FileText(directory.Path("_7.mol")), "nameless\n");
-    EXPECT_EQ(FileText(directory.Path("R_7.mol")), "second\n"); // the second replaced it
-    EXPECT_EQ(FileText(directory.Path("___up____x_7.mol")), "escaped\n");
+    EXPECT_EQ(ReadBytes(directory.Path("Molfiles.list")), prefix + "_7.mol\n" + prefix +
+                                                              "R_7.mol\n" + prefix + "R_7.mol\n" +
+                                                              prefix + "___up____x_7.mol\n");
+    EXPECT_EQ(ReadBytes(directory.Path("_7.mol")), "nameless\n");
+    EXPECT_EQ(ReadBytes(directory.Path("R_7.mol")), "second\n"); // the second replaced it
+    EXPECT_EQ(ReadBytes(directory.Path("___up____x_7.mol")), "escaped\n");
 
     // A molfile that never closes ends at end of file.
     CSampleData unclosed;
-    EXPECT_EQ(ReadSample(unclosed, "{\nSample\t8\n[MOLFILE LIST]\n{\nReference\tU\n[MOLFILE]\n{\n"
-                                   "line\n  {\n }\n"),
+    EXPECT_EQ(ReadBlock(unclosed, "{\nSample\t8\n[MOLFILE LIST]\n{\nReference\tU\n[MOLFILE]\n{\n"
+                                  "line\n  {\n }\n"),
               "");
-    EXPECT_EQ(FileText(directory.Path("U_8.mol")), "line\n  {\n }\nAFTER\n");
+    EXPECT_EQ(ReadBytes(directory.Path("U_8.mol")), "line\n  {\n }\nAFTER\n");
 }
 
 CMetaboliteData WithMolecule(const char* reference) {

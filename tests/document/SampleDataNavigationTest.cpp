@@ -1,15 +1,13 @@
 #include <quillon/document/SampleData.h>
 
-#include <quillon/file/DelimitFile.h>
-
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
 
@@ -54,12 +52,7 @@ std::string SampleBlock() {
 
 class SampleDataNavigationTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        TempFile report;
-        report.Write(SampleBlock());
-        CDelimitFile file(report.c_str(), CFile::modeRead);
-        ASSERT_EQ(sample.Read(&file), 1);
-    }
+    void SetUp() override { ReadBlock(sample, SampleBlock()); }
 
     float PeakTime(const CChromatogramPeak* peak) { return peak ? peak->GetTime() : -1.0f; }
 
@@ -197,14 +190,11 @@ TEST(SampleDataFunctionAppendTest, ContinuationsReadOnFromOutsideTheirBlock) {
     // The look-up of the function number consumes the block's "{", so the continued function
     // reads on past the block's "}" and takes the next section of the sample as its own.
     CSampleData sample;
-    TempFile report;
-    report.Write("{\n[FUNCTION]\n{\nFunction\t1\nType\tMS\n}\n"
-                 "[FUNCTION_APPEND]\n{\nFunction\t1\nIonMode\tES-\n}\n"
-                 "[ANALOG]\n{\nDescription\tANALOG 1\nTraceNumber\t20\n}\n"
-                 "[FUNCTION_APPEND]\n{\nFunction\t7\nType\tDAD\n}\n"
-                 "}\n");
-    CDelimitFile file(report.c_str(), CFile::modeRead);
-    sample.Read(&file);
+    ReadBlock(sample, "{\n[FUNCTION]\n{\nFunction\t1\nType\tMS\n}\n"
+                      "[FUNCTION_APPEND]\n{\nFunction\t1\nIonMode\tES-\n}\n"
+                      "[ANALOG]\n{\nDescription\tANALOG 1\nTraceNumber\t20\n}\n"
+                      "[FUNCTION_APPEND]\n{\nFunction\t7\nType\tDAD\n}\n"
+                      "}\n");
 
     ASSERT_EQ(sample.GetFunctionCount(), 2);
     CFunctionData* continued = sample.GetFunction(0);

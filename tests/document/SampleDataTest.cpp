@@ -1,7 +1,6 @@
 #include <quillon/document/SampleData.h>
-#include <quillon/file/DelimitFile.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
@@ -9,21 +8,9 @@
 #include <vector>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
-
-// Reads the given sample block (the lines after the "[SAMPLE]" header) into the sample and returns
-// the first line the sample's reader left unread.
-CString ReadBlock(CSampleData& sample, const std::string& block) {
-    TempFile file;
-    file.Write(block + "AFTER\n");
-    CDelimitFile input(file.c_str(), CFile::modeRead);
-    EXPECT_EQ(sample.Read(&input), 1);
-    CString next;
-    input.ReadString(next);
-    return next;
-}
 
 template <class Getter>
 CString Text(const CSampleData& sample, Getter getter) {

@@ -5,33 +5,20 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
 
 using namespace quillon;
+using quillon::testing::ReadBytes;
 using quillon::testing::TempFile;
 
 namespace {
 
-std::string ExampleReport() {
-    std::ifstream in(std::string(QUILLON_SOURCE_DIR) + "/examples/Chlorpromazine_HLM_batch.txt",
-                     std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
-
-// Reads bytes as a report; the messages a damaged sample raises are collected, not shown.
-int ReadSamples(const TempFile& file, const std::string& bytes, int* messages = nullptr) {
+// Reads bytes as a report; the messages a damaged sample raises are not shown.
+int ReadSamples(const TempFile& file, const std::string& bytes) {
     file.Write(bytes);
     HostHooks hooks;
-    hooks.showMessage = [messages](const CString&, const CString&, MessageIcon) {
-        if (messages != nullptr)
-            ++*messages;
-        return kMessageOk;
-    };
+    hooks.showMessage = [](const CString&, const CString&, MessageIcon) { return kMessageOk; };
     SetHostHooks(hooks);
     CSamples samples;
     const int result = samples.Read(file.c_str());
@@ -45,7 +32,8 @@ int ReadSamples(const TempFile& file, const std::string& bytes, int* messages = 
 // A report cut off anywhere is read as far as it goes: never more samples than the whole file
 // holds, and all of them once the cut lies past the last sample's header.
 TEST(SamplesDamagedInputTest, TruncatedReportsReadAsFarAsTheyGo) {
-    const std::string report = ExampleReport();
+    const std::string report =
+        ReadBytes(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt");
     ASSERT_FALSE(report.empty());
     TempFile file("cut.txt");
     const int whole = ReadSamples(file, report);
@@ -84,7 +72,8 @@ TEST(SamplesDamagedInputTest, GarbageAndMutatedReportsAreReadWithoutHarm) {
         byte = static_cast<char>(random());
     EXPECT_EQ(ReadSamples(file, garbage), 0);
 
-    const std::string report = ExampleReport();
+    const std::string report =
+        ReadBytes(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt");
     const std::string damage = "\t\n{}[];0-.eA";
     for (int mutant = 0; mutant < 30; ++mutant) {
         std::string mutated = report;

@@ -1,17 +1,16 @@
 #include <quillon/document/SampleData.h>
-#include <quillon/file/DelimitFile.h>
 #include <quillon/metabolites/MSMSMetabolite.h>
 #include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/metabolites/MetaboliteDisplay.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
 
@@ -23,14 +22,12 @@ std::string Chromatogram(const char* description, int trace) {
 // A sample with a mass chromatogram (1), a total ion current (2), a full-scan trace whose range
 // holds a colon (3) and an analog channel (20).
 CSampleData SampleWithTraces() {
-    TempFile report;
-    report.Write("{\nSample\t1\n[FUNCTION]\n{\nFunction\t1\nType\tMS\n" +
-                 Chromatogram("TOF MS ES+ : 319.1030 ", 1) + Chromatogram("TOF MS ES+ TIC", 2) +
-                 Chromatogram("TOF MS ES+ (50:1000)", 3) +
-                 "}\n[ANALOG]\n{\nDescription\tANALOG 1 : Radio flow\nTraceNumber\t20\n}\n}\n");
-    CDelimitFile file(report.c_str(), CFile::modeRead);
     CSampleData sample;
-    sample.Read(&file);
+    ReadBlock(sample,
+              "{\nSample\t1\n[FUNCTION]\n{\nFunction\t1\nType\tMS\n" +
+                  Chromatogram("TOF MS ES+ : 319.1030 ", 1) + Chromatogram("TOF MS ES+ TIC", 2) +
+                  Chromatogram("TOF MS ES+ (50:1000)", 3) +
+                  "}\n[ANALOG]\n{\nDescription\tANALOG 1 : Radio flow\nTraceNumber\t20\n}\n}\n");
     return sample;
 }
 
