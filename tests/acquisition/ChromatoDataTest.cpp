@@ -159,6 +159,7 @@ TEST(ChromatoDataTest, DataAndIntensityRanges) {
 
 TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
     CChromatoData source = TraceOf({1, 2}, {3, 4});
+    source.SetDescription("TIC");
     source.SetTraceType(PDA_TRACE);
     source.SetUsesCustomChartParams(1);
     source.CombinedTraceNeedsData(true);
@@ -166,6 +167,7 @@ TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
     source.AddChromatogramPeak(PeakAt(1.5f, 1.0, 2.0, 8));
 
     CChromatoData copy(source);
+    EXPECT_EQ(copy.GetDescription(), "TIC");
     EXPECT_TRUE(copy.IsPDA());
     EXPECT_EQ(copy.UseCustomChartParams(), 1);
     EXPECT_TRUE(copy.CombinedTraceNeedsData());
