@@ -1,6 +1,7 @@
 #pragma once
 
-// Shared by the fuzz targets: inputs as in-memory files, and a host that stays silent.
+// Shared by the fuzz targets: inputs as in-memory files, a folder of the process for the files a
+// target needs, and a host that stays silent.
 
 #include <quillon/platform/HostHooks.h>
 
@@ -11,8 +12,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace quillon::fuzz {
 
@@ -61,21 +64,46 @@ inline std::string Contents(const MemoryFile& file) {
     }
 }
 
-// Messages the library would show the user are dropped: a fuzzer provokes thousands of them.
-inline void SilenceHost() {
-    static const bool installed = [] {
-        HostHooks hooks;
+// A folder of this process, in memory where the system offers it; created on first use and
+// removed with all it holds when the process ends.
+inline const std::filesystem::path& ProcessFolder() {
+    struct Folder {
+        Folder() {
+            const std::filesystem::path shared("/dev/shm");
+            path = std::filesystem::is_directory(shared) ? shared
+                                                         : std::filesystem::temp_directory_path();
+            path /= "quillon-fuzz-" + std::to_string(::getpid());
+            std::filesystem::create_directories(path);
+        }
+        ~Folder() {
+            std::error_code ignored;
+            std::filesystem::remove_all(path, ignored);
+        }
+        std::filesystem::path path;
+    };
+    static const Folder folder;
+    return folder.path;
+}
+
+// Installs the host hooks (on the first call only), with the messages the library would show the
+// user dropped: a fuzzer provokes thousands of them.
+inline void SilenceHost(HostHooks hooks = {}) {
+    static const bool installed = [&hooks] {
         hooks.showMessage = [](const CString&, const CString&, MessageIcon) { return kMessageOk; };
-        SetHostHooks(hooks);
+        SetHostHooks(std::move(hooks));
         return true;
     }();
     (void)installed;
 }
 
-// Stops the run with a crash that the fuzzer records, when a property of the library fails.
-inline void Require(bool condition) {
-    if (!condition)
+// Stops the run with a crash that the fuzzer records, when a property of the library fails; the
+// line of the failed requirement goes to standard error first.
+inline void Require(bool condition, const char* file = __builtin_FILE(),
+                    int line = __builtin_LINE()) {
+    if (!condition) {
+        std::fprintf(stderr, "%s:%d: requirement failed\n", file, line);
         std::abort();
+    }
 }
 
 inline std::string_view AsText(const uint8_t* data, size_t size) {

@@ -7,52 +7,25 @@
 #include <quillon/quillon.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 
 using namespace quillon;
 
 namespace {
 
-// A folder of this process for the settings file, in memory where the system offers it; removed
-// when the process ends.
-struct WorkFolder {
-    WorkFolder() {
-        const std::filesystem::path shared("/dev/shm");
-        path =
-            std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path();
-        path /= "quillon-fuzz-settings-" + std::to_string(::getpid());
-        std::filesystem::create_directories(path);
-    }
-    ~WorkFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-    std::filesystem::path path;
-};
-
-const std::filesystem::path& Folder() {
-    static const WorkFolder folder;
-    return folder.path;
-}
-
-void UseWorkFolder() {
-    static const bool installed = [] {
-        HostHooks hooks;
-        hooks.showMessage = [](const CString&, const CString&, MessageIcon) { return kMessageOk; };
-        hooks.workingDirectory = [] { return CString(Folder().string()); };
-        SetHostHooks(hooks);
-        return true;
-    }();
-    (void)installed;
+void UseProcessFolder() {
+    HostHooks hooks;
+    hooks.workingDirectory = [] { return CString(fuzz::ProcessFolder().string()); };
+    fuzz::SilenceHost(std::move(hooks));
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    UseWorkFolder();
-    const std::string path = (Folder() / "Tarnwick.ini").string();
+    UseProcessFolder();
+    const std::string path = (fuzz::ProcessFolder() / "Tarnwick.ini").string();
     const std::string_view text = fuzz::AsText(data, size);
     std::ofstream(path, std::ios::binary | std::ios::trunc)
         .write(text.data(), static_cast<long>(text.size()));

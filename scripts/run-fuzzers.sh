@@ -1,16 +1,24 @@
 #!/usr/bin/env bash
 # Runs every fuzz target of the "fuzz" build for FUZZ_SECONDS (default 60) each, FUZZ_JOBS
 # (default 1) at a time, starting from its seeds and its saved regressions, with its dictionary and
-# its own options (fuzz/options/<name>). New inputs go to build/fuzz/corpus/<name>/ (kept between
-# runs, never into the repository). A crash, a leak or a hang stops that target with the input
-# under build/fuzz/artifacts/<name>/: once the fault is fixed, save the input as
+# its own options (fuzz/options/<name>); FUZZ_RUNS, when set, also stops each target after that
+# many inputs. New inputs go to build/fuzz/corpus/<name>/ (kept between runs, never into the
+# repository). A crash, a leak or a hang stops that target with the input under
+# build/fuzz/artifacts/<name>/: once the fault is fixed, save the input as
 # fuzz/regressions/<name>/<what-it-broke>.
+#
+# FUZZ_CI=1 makes the run repeatable, for CI: each target runs with seed 1 for the number of
+# inputs fuzz/ci-runs gives it (about 20 s each on a developer machine), from its seeds and
+# regressions alone (its new inputs go to a scratch folder emptied first), so that a run either
+# always finds a fault or never does.
 # Usage: scripts/run-fuzzers.sh [target name ...]   (all targets when none is named)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 seconds=${FUZZ_SECONDS:-60}
 jobs=${FUZZ_JOBS:-1}
+runs=${FUZZ_RUNS:-}
+ci=${FUZZ_CI:-0}
 build=build/fuzz
 
 targets=("$@")
@@ -24,14 +32,33 @@ if [ ${#targets[@]} -eq 0 ]; then
     exit 1
 fi
 
+# The number of inputs fuzz/ci-runs gives the target.
+ci_runs() {
+    local count
+    count=$(awk -v name="$1" '$1 == name { print $2 }' fuzz/ci-runs)
+    if [ -z "$count" ]; then
+        echo "fuzz/ci-runs gives no number of inputs for $1" >&2
+        return 1
+    fi
+    echo "$count"
+}
+
 # Runs one target; its output goes to build/fuzz/<name>.log, its exit status to <name>.status.
 run_target() {
     local name=$1
     local corpus="$build/corpus/$name"
     local artifacts="$build/artifacts/$name/"
-    mkdir -p "$corpus" "$artifacts" "fuzz/regressions/$name"
-    local options=(-max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1
+    local options=(-timeout=25 -rss_limit_mb=2048 -print_final_stats=1
                    -artifact_prefix="$artifacts")
+    if [ "$ci" = 1 ]; then
+        corpus="$build/ci-corpus/$name"
+        rm -rf "$corpus"
+        options+=(-seed=1 -runs="$(ci_runs "$name")")
+    else
+        options+=(-max_total_time="$seconds")
+        [ -n "$runs" ] && options+=(-runs="$runs")
+    fi
+    mkdir -p "$corpus" "$artifacts" "fuzz/regressions/$name"
     if [ -f "fuzz/dictionaries/$name.dict" ]; then
         options+=(-dict="fuzz/dictionaries/$name.dict")
     fi
@@ -48,7 +75,14 @@ run_target() {
     echo "$status" >"$build/$name.status"
 }
 
-echo "Fuzzing ${targets[*]}: ${seconds} s each, ${jobs} at a time"
+if [ "$ci" = 1 ]; then
+    for name in "${targets[@]}"; do
+        ci_runs "$name" >/dev/null
+    done
+    echo "Fuzzing ${targets[*]}: the inputs of fuzz/ci-runs with seed 1, ${jobs} at a time"
+else
+    echo "Fuzzing ${targets[*]}: ${seconds} s each${runs:+ or $runs inputs}, ${jobs} at a time"
+fi
 for name in "${targets[@]}"; do
     while [ "$(jobs -rp | wc -l)" -ge "$jobs" ]; do
         wait -n || true
@@ -60,7 +94,8 @@ wait
 failed=0
 for name in "${targets[@]}"; do
     echo "== $name"
-    grep -E '^stat::number_of_executed_units|^#[0-9]+.*DONE' "$build/$name.log" | sed 's/^/   /' || true
+    grep -E '^stat::(number_of_executed_units|average_exec_per_sec)|^#[0-9]+.*DONE' \
+        "$build/$name.log" | sed 's/^/   /' || true
     if [ "$(cat "$build/$name.status")" != 0 ]; then
         failed=1
         echo "   FAILED: see $build/$name.log and $build/artifacts/$name/" >&2

@@ -39,6 +39,24 @@ public:
     // '\') or ".." in the reference becomes "_" (each character), so a reference never names a
     // file outside the directory: "../x" of sample 2 is "<directory>___x_2.mol".
     static CString MolfilePath(const CString& reference, int sampleNumber);
+    // The reference and sample number a molfile path was made of, the inverse of MolfilePath:
+    // "<directory>R_x_7.mol" gives "R_x" and 7. False for a path not of that form.
+    static bool SplitMolfilePath(const CString& path, CString& reference, int& sampleNumber);
+
+    // The list file, "<directory>Molfiles.list": one molfile path a line, in the order written.
+    static CString ListPath();
+    // Creates the list file, or empties an existing one, so that the molfiles of the reports read
+    // next are extracted and listed. False when it cannot be written.
+    static bool StartList();
+    // The paths in the list file, in order; false (and no paths) when it cannot be read.
+    static bool ReadList(CStringArray& paths);
+
+    // A molfile's header: its first line is the molecule's name, and columns 20 and 21 of its
+    // second line hold the dimension code ("  QUILLON 03122609143D" gives 3); without a code the
+    // dimensions are 2. Each line is read up to 79 characters into one buffer, so a short second
+    // line leaves the first line's characters in those columns. False when the file cannot be
+    // opened or read (name empty, dimensions 2).
+    static bool ReadHeader(const CString& path, CString& name, int& dimensions);
 
 private:
     int NewField(const CStringArray& input, int id);

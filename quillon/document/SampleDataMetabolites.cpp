@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -240,8 +241,8 @@ int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected) {
     const bool confirmed = count > 11 && ParseInt(row[11]) != 0;
     const CString& moleculeReference = Column(row, 12);
 
-    if (compound + 1 > m_nNextCompoundNumber)
-        m_nNextCompoundNumber = compound + 1;
+    m_nNextCompoundNumber =
+        std::max(m_nNextCompoundNumber, compound < INT_MAX ? compound + 1 : INT_MAX);
     const CCompoundData* parent = GetCompound(compound);
     const double parentMass = parent != nullptr ? parent->GetMass() : 0.0;
     m_dMaxParentMass = std::max(m_dMaxParentMass, parentMass);

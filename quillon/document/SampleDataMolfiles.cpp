@@ -1,21 +1,7 @@
 #include <quillon/companions/Molfile.h>
 #include <quillon/document/SampleData.h>
-#include <quillon/platform/Exception.h>
-#include <quillon/platform/StdioFile.h>
 
 namespace quillon {
-
-namespace {
-
-// A molfile's header is its second line; its dimension code sits at these columns.
-constexpr int kHeaderLinesToRead = 2;
-constexpr UINT kHeaderBufferSize = 80; // lines of at most 79 characters
-constexpr int kDimensionDigitColumn = 20;
-constexpr int kDimensionLetterColumn = 21;
-constexpr int kDimensionLetterBits = 0x44; // set in both 'D' and 'd'
-constexpr int kUnknownDimensions = 2;
-
-} // namespace
 
 int CSampleData::ReadMolfileList(CDelimitFile* file) {
     CMolfile molfile(m_nNumber);
@@ -40,22 +26,10 @@ int CSampleData::SetMoleculeDimensions() {
     if (m_nMoleculeDimensions >= 0)
         return m_nMoleculeDimensions;
 
-    m_nMoleculeDimensions = kUnknownDimensions;
-    try {
-        CStdioFile molfile;
-        if (!molfile.Open(CMolfile::MolfilePath(GetMoleculeReference(), m_nNumber),
-                          CFile::modeRead | CFile::typeText))
-            return m_nMoleculeDimensions;
-        char buffer[kHeaderBufferSize] = {};
-        for (int line = 0; line < kHeaderLinesToRead; ++line)
-            molfile.ReadString(buffer, kHeaderBufferSize);
-        const int digit = buffer[kDimensionDigitColumn] - '0';
-        const int letter = static_cast<unsigned char>(buffer[kDimensionLetterColumn]);
-        if (digit > 0 && (letter & kDimensionLetterBits) == kDimensionLetterBits)
-            m_nMoleculeDimensions = digit;
-        molfile.Close();
-    } catch (const CException&) {
-    }
+    // A missing molfile, or one without a dimension code, counts as two-dimensional.
+    CString name;
+    CMolfile::ReadHeader(CMolfile::MolfilePath(GetMoleculeReference(), m_nNumber), name,
+                         m_nMoleculeDimensions);
     return m_nMoleculeDimensions;
 }
 

@@ -246,16 +246,18 @@ void CDelimitFile::MoveToNextSection() {
 
 void CDelimitFile::SkipFollowingBlock() {
     const int64_t before = GetPosition();
+    // Empty and comment lines may stand between a header and its block, as readers allow.
     std::string_view line;
-    if (!ReadLineView(line))
-        return;
-    if (ClassifyLine(line) != RECORD_BLOCK_START) {
+    int type = RECORD_EMPTY;
+    while ((type == RECORD_EMPTY || type == RECORD_COMMENT) && ReadLineView(line))
+        type = ClassifyLine(line);
+    if (type != RECORD_BLOCK_START) {
         Seek(before, CFile::begin);
         return;
     }
     int depth = 1;
     while (depth > 0 && ReadLineView(line)) {
-        const int type = ClassifyLine(line);
+        type = ClassifyLine(line);
         if (type == RECORD_BLOCK_START)
             ++depth;
         else if (type == RECORD_BLOCK_END)

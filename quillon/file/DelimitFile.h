@@ -78,8 +78,9 @@ public:
     void SkipToEndOfBlock();
     // Reads one line; when it opens a block, reads on to the line that closes that block.
     void MoveToNextSection();
-    // Passes over the block that follows, when the next line opens one; otherwise reads nothing,
-    // so a section without a block does not take the line after it along.
+    // Passes over the block that follows, when the next line other than empty and comment lines
+    // opens one; otherwise reads nothing, so a section without a block does not take the line
+    // after it along.
     void SkipFollowingBlock();
 
     // Copying. Copies the lines that follow to out, each with out's line end, up to the next

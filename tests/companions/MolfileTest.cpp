@@ -28,7 +28,6 @@ public:
     ~MolfileDirectory() { SetHostHooks(m_saved); }
     std::filesystem::path Path(const std::string& name) const { return m_folder.Folder() / name; }
     std::string Prefix() const { return m_folder.Folder().string() + "/"; }
-    void CreateList() const { std::ofstream(Path("Molfiles.list")); }
 
 private:
     TempFile m_folder;
@@ -70,7 +69,7 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     EXPECT_EQ(unlisted.GetWell(), 5);
     EXPECT_FALSE(std::filesystem::exists(directory.Path("R_7.mol")));
 
-    directory.CreateList();
+    ASSERT_TRUE(CMolfile::StartList());
     CSampleData sample;
     EXPECT_EQ(ReadBlock(sample, kMolfileList), "AFTER");
     EXPECT_EQ(sample.GetWell(), 5);
@@ -78,6 +77,23 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     EXPECT_EQ(ReadBytes(directory.Path("Molfiles.list")), prefix + "_7.mol\n" + prefix +
                                                               "R_7.mol\n" + prefix + "R_7.mol\n" +
                                                               prefix + "___up____x_7.mol\n");
+    // The listed paths split back into the references (as made safe) and the sample number.
+    CStringArray listed;
+    ASSERT_TRUE(CMolfile::ReadList(listed));
+    ASSERT_EQ(listed.GetSize(), 4);
+    const char* references[] = {"", "R", "R", "___up____x"};
+    for (int i = 0; i < listed.GetSize(); ++i) {
+        CString reference;
+        int number = 0;
+        EXPECT_TRUE(CMolfile::SplitMolfilePath(listed[i], reference, number)) << listed[i];
+        EXPECT_EQ(reference, references[i]);
+        EXPECT_EQ(number, 7);
+    }
+    CString reference;
+    int number = 0;
+    for (const std::string& other : {std::string("/elsewhere/R_7.mol"), prefix + "R.mol",
+                                     prefix + "R_x.mol", prefix + "R_7.txt", prefix + ".mol"})
+        EXPECT_FALSE(CMolfile::SplitMolfilePath(other.c_str(), reference, number)) << other;
     EXPECT_EQ(ReadBytes(directory.Path("_7.mol")), "nameless\n");
     EXPECT_EQ(ReadBytes(directory.Path("R_7.mol")), "second\n"); // the second replaced it
     EXPECT_EQ(ReadBytes(directory.Path("___up____x_7.mol")), "escaped\n");
@@ -88,6 +104,11 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
                                   "line\n  {\n }\n"),
               "");
     EXPECT_EQ(ReadBytes(directory.Path("U_8.mol")), "line\n  {\n }\nAFTER\n");
+
+    // Starting the list again empties it.
+    ASSERT_TRUE(CMolfile::StartList());
+    ASSERT_TRUE(CMolfile::ReadList(listed));
+    EXPECT_EQ(listed.GetSize(), 0);
 }
 
 CMetaboliteData WithMolecule(const char* reference) {
@@ -132,7 +153,14 @@ TEST(MolfileTest, DimensionsComeFromTheHeaderLineAndTheSearchPrefersNeighbours) 
     EXPECT_EQ(Sample(3, "C", true).SetMoleculeDimensions(), 2);  // no code
     EXPECT_EQ(Sample(4, "C", true).SetMoleculeDimensions(), 2);  // no molfile
     EXPECT_EQ(Sample(1, "C", false).SetMoleculeDimensions(), 0); // no molfile list
-    EXPECT_EQ(CSampleData().SetMoleculeDimensions(), 0);         // no metabolites
+    CString name;
+    int dimensions = 0;
+    EXPECT_TRUE(CMolfile::ReadHeader(directory.Path("M_1.mol").c_str(), name, dimensions));
+    EXPECT_EQ(name, "name");
+    EXPECT_FALSE(CMolfile::ReadHeader(directory.Path("none.mol").c_str(), name, dimensions));
+    EXPECT_EQ(name, "");
+    EXPECT_EQ(dimensions, 2);
+    EXPECT_EQ(CSampleData().SetMoleculeDimensions(), 0); // no metabolites
 
     // Samples 1..6: 2D molfiles for 1, 3 and 6; sample 5's compound has no formula.
     WriteMolfile(directory, 2, "  QUILLON 03122609143D");

@@ -2,82 +2,9 @@
 #include "Commands.h"
 #include "Svg.h"
 
-#include <atomic>
-#include <csignal>
-#include <cstdio>
-#include <filesystem>
-#include <iostream>
 #include <memory>
-#include <unistd.h>
 
 namespace quillon::tool {
-
-namespace {
-
-std::atomic<bool> g_interrupted{false};
-
-void OnInterrupt(int) {
-    g_interrupted = true;
-}
-
-// Progress on standard error while a terminal shows it, cancellation on Ctrl-C: the library's
-// progress and cancel hooks for the life of the object.
-class ProgressAndCancel {
-public:
-    explicit ProgressAndCancel(bool show) : m_saved(GetHostHooks()) {
-        HostHooks hooks = m_saved;
-        if (show && ::isatty(STDERR_FILENO)) {
-            hooks.beginProgress = [this](const CString& text, int lower, int upper) {
-                m_text = text.str();
-                m_lower = lower;
-                m_upper = upper > lower ? upper : lower + 1;
-                m_position = lower;
-                Draw();
-            };
-            hooks.stepProgress = [this](int amount) {
-                m_position += amount;
-                Draw();
-            };
-            hooks.endProgress = [] { std::fprintf(stderr, "\r\033[K"); };
-        }
-        hooks.cancelRequested = [] { return g_interrupted.load(); };
-        SetHostHooks(hooks);
-        m_previousHandler = std::signal(SIGINT, OnInterrupt);
-    }
-    ~ProgressAndCancel() {
-        std::signal(SIGINT, m_previousHandler);
-        SetHostHooks(m_saved);
-    }
-
-private:
-    void Draw() const {
-        const int width = 30;
-        const double share =
-            std::clamp(double(m_position - m_lower) / (m_upper - m_lower), 0.0, 1.0);
-        const int filled = static_cast<int>(share * width);
-        std::fprintf(stderr, "\r%s[%s%s] %3d%%", m_text.c_str(), std::string(filled, '#').c_str(),
-                     std::string(width - filled, ' ').c_str(), static_cast<int>(share * 100));
-    }
-
-    HostHooks m_saved;
-    void (*m_previousHandler)(int) = nullptr;
-    std::string m_text;
-    int m_lower = 0;
-    int m_upper = 1;
-    int m_position = 0;
-};
-
-// The settings file is looked for in the working directory: the folder of the given file, or the
-// report's folder.
-void UseSettingsFolder(const std::string& settings, const std::string& report) {
-    const std::filesystem::path folder =
-        std::filesystem::absolute(settings.empty() ? report : settings).parent_path();
-    HostHooks hooks = GetHostHooks();
-    hooks.workingDirectory = [folder] { return CString(folder.string()); };
-    SetHostHooks(hooks);
-}
-
-} // namespace
 
 void RegisterFragments(CLI::App& app, GlobalOptions& options) {
     struct Settings {
@@ -100,19 +27,8 @@ void RegisterFragments(CLI::App& app, GlobalOptions& options) {
         CSamples samples;
         LoadReport(settings->path, samples);
         CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
-        UseSettingsFolder(settings->settings, settings->path);
-        CFragmentAnalysis* analysis = sample.GetFragmentAnalysis();
-        bool done = false;
-        {
-            const ProgressAndCancel progress(!options.quiet);
-            g_interrupted = false;
-            done = analysis->DoFragmentAnalysis(&sample);
-        }
-        if (g_interrupted)
-            throw ToolError("cancelled", kExitCancelled);
-        if (!done && !analysis->HasNeutralLosses())
-            Note(options, "sample " + std::to_string(settings->sample) +
-                              ": no fragment analysis (no low- and high-energy function pair)");
+        const CFragmentAnalysis* analysis =
+            &RunFragmentAnalysis(sample, settings->settings, settings->path, options);
         CStringArray fragments;
         CStringArray losses;
         analysis->GetFragments(fragments);

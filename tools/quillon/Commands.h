@@ -16,6 +16,7 @@ void RegisterStability(CLI::App& app, GlobalOptions& options);
 void RegisterPlot(CLI::App& app, GlobalOptions& options);
 void RegisterExport(CLI::App& app, GlobalOptions& options);
 void RegisterEdit(CLI::App& app, GlobalOptions& options);
+void RegisterMolfiles(CLI::App& app, GlobalOptions& options);
 void RegisterCheck(CLI::App& app, GlobalOptions& options);
 
 } // namespace quillon::tool

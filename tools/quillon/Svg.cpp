@@ -14,6 +14,10 @@ constexpr double kHeight = 540;
 constexpr double kLeft = 90;
 constexpr double kRight = 30;
 constexpr double kTop = 50;
+constexpr double kTopWithSubtitle = 68;
+constexpr double kLabelCharWidth = 6.5; // about the width of a character at font size 11
+constexpr double kLabelHeight = 12;
+constexpr double kLabelGap = 8; // the least room between two labels side by side
 constexpr double kBottom = 70;
 
 std::string Escape(const std::string& text) {
@@ -38,6 +42,13 @@ std::string Escape(const std::string& text) {
         }
     }
     return out;
+}
+
+// Characters of a UTF-8 text (its bytes other than continuation bytes).
+size_t TextLength(const std::string& text) {
+    return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char ch) {
+        return (static_cast<unsigned char>(ch) & 0xC0) != 0x80;
+    }));
 }
 
 std::string Number(double value) {
@@ -95,11 +106,18 @@ std::string ChartSvg(const Chart& chart) {
         yMax = yMin + 1;
     if (xMax == xMin)
         xMax = xMin + 1;
+    if (!chart.sticks.empty()) {
+        // Sticks at the ends of the range stand clear of the axes.
+        const double margin = (xMax - xMin) * 0.03;
+        xMin -= margin;
+        xMax += margin;
+    }
     yMax += (yMax - yMin) * 0.08; // room for labels
+    const double top = chart.subtitle.empty() ? kTop : kTopWithSubtitle;
     const double plotWidth = kWidth - kLeft - kRight;
-    const double plotHeight = kHeight - kTop - kBottom;
+    const double plotHeight = kHeight - top - kBottom;
     auto px = [&](double x) { return kLeft + (x - xMin) / (xMax - xMin) * plotWidth; };
-    auto py = [&](double y) { return kTop + plotHeight - (y - yMin) / (yMax - yMin) * plotHeight; };
+    auto py = [&](double y) { return top + plotHeight - (y - yMin) / (yMax - yMin) * plotHeight; };
 
     std::ostringstream svg;
     svg << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -109,21 +127,25 @@ std::string ChartSvg(const Chart& chart) {
         << "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n"
         << "<text x=\"" << kWidth / 2 << "\" y=\"28\" text-anchor=\"middle\" font-size=\"18\" "
         << "font-weight=\"bold\">" << Escape(chart.title) << "</text>\n";
+    if (!chart.subtitle.empty())
+        svg << "<text x=\"" << kWidth / 2 << "\" y=\"48\" text-anchor=\"middle\" font-size=\"13\" "
+            << "fill=\"#444\">" << Escape(chart.subtitle) << "</text>\n";
     // Axes, ticks and grid.
     svg << "<g stroke=\"#222\" stroke-width=\"1\">\n"
-        << "<line x1=\"" << kLeft << "\" y1=\"" << kTop + plotHeight << "\" x2=\""
-        << kLeft + plotWidth << "\" y2=\"" << kTop + plotHeight << "\"/>\n"
-        << "<line x1=\"" << kLeft << "\" y1=\"" << kTop << "\" x2=\"" << kLeft << "\" y2=\""
-        << kTop + plotHeight << "\"/>\n</g>\n";
+        << "<line x1=\"" << kLeft << "\" y1=\"" << top + plotHeight << "\" x2=\""
+        << kLeft + plotWidth << "\" y2=\"" << top + plotHeight << "\"/>\n"
+        << "<line x1=\"" << kLeft << "\" y1=\"" << top << "\" x2=\"" << kLeft << "\" y2=\""
+        << top + plotHeight << "\"/>\n</g>\n";
     svg << "<g font-size=\"12\" fill=\"#222\">\n";
     const double xStep = TickStep(xMax - xMin);
     for (double x = std::ceil(xMin / xStep) * xStep; x <= xMax + 1e-9 * xStep; x += xStep) {
-        svg << "<line x1=\"" << Number(px(x)) << "\" y1=\"" << kTop + plotHeight << "\" x2=\""
-            << Number(px(x)) << "\" y2=\"" << kTop + plotHeight + 5 << "\" stroke=\"#222\"/>"
-            << "<text x=\"" << Number(px(x)) << "\" y=\"" << kTop + plotHeight + 20
+        svg << "<line x1=\"" << Number(px(x)) << "\" y1=\"" << top + plotHeight << "\" x2=\""
+            << Number(px(x)) << "\" y2=\"" << top + plotHeight + 5 << "\" stroke=\"#222\"/>"
+            << "<text x=\"" << Number(px(x)) << "\" y=\"" << top + plotHeight + 20
             << "\" text-anchor=\"middle\">" << TickText(x, xStep) << "</text>\n";
     }
-    const double yStep = TickStep(yMax - yMin);
+    const double yStep =
+        chart.wholeNumbersY ? std::max(1.0, TickStep(yMax - yMin)) : TickStep(yMax - yMin);
     for (double y = std::ceil(yMin / yStep) * yStep; y <= yMax + 1e-9 * yStep; y += yStep) {
         svg << "<line x1=\"" << kLeft - 5 << "\" y1=\"" << Number(py(y)) << "\" x2=\"" << kLeft
             << "\" y2=\"" << Number(py(y)) << "\" stroke=\"#222\"/>"
@@ -134,7 +156,7 @@ std::string ChartSvg(const Chart& chart) {
     }
     svg << "<text x=\"" << kLeft + plotWidth / 2 << "\" y=\"" << kHeight - 20
         << "\" text-anchor=\"middle\" font-size=\"14\">" << Escape(chart.xLabel) << "</text>\n"
-        << "<text transform=\"translate(22," << kTop + plotHeight / 2
+        << "<text transform=\"translate(22," << top + plotHeight / 2
         << ") rotate(-90)\" text-anchor=\"middle\" font-size=\"14\">" << Escape(chart.yLabel)
         << "</text>\n</g>\n";
     // Data.
@@ -158,9 +180,24 @@ std::string ChartSvg(const Chart& chart) {
         svg << "<path d=\"M" << Number(px(x)) << ',' << Number(py(y) - 4) << " l-4,-7 h8 z\" "
             << "fill=\"#c0392b\"/>\n";
     svg << "<g font-size=\"11\" fill=\"#333\" text-anchor=\"middle\">\n";
-    for (const ChartLabel& label : chart.labels)
-        svg << "<text x=\"" << Number(px(label.x)) << "\" y=\"" << Number(py(label.y) - 14) << "\">"
+    struct Box {
+        double left, right, bottom;
+    };
+    std::vector<Box> placed;
+    for (const ChartLabel& label : chart.labels) {
+        const double halfWidth =
+            (kLabelCharWidth * static_cast<double>(TextLength(label.text)) + kLabelGap) / 2;
+        const Box box{px(label.x) - halfWidth, px(label.x) + halfWidth, py(label.y) - 14};
+        const bool overlaps = std::any_of(placed.begin(), placed.end(), [&](const Box& other) {
+            return box.left < other.right && other.left < box.right &&
+                   std::fabs(box.bottom - other.bottom) < kLabelHeight;
+        });
+        if (overlaps)
+            continue;
+        placed.push_back(box);
+        svg << "<text x=\"" << Number(px(label.x)) << "\" y=\"" << Number(box.bottom) << "\">"
             << Escape(label.text) << "</text>\n";
+    }
     svg << "</g>\n</svg>\n";
     return svg.str();
 }

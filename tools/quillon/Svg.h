@@ -18,13 +18,17 @@ struct ChartLabel {
 
 struct Chart {
     std::string title;
-    std::string xLabel; // with its unit: "Time (min)"
+    std::string subtitle; // a smaller line under the title, e.g. what the marks mean
+    std::string xLabel;   // with its unit: "Time (min)"
     std::string yLabel;
     std::vector<std::vector<std::pair<double, double>>> lines; // each drawn as a polyline
     std::vector<std::pair<double, double>> sticks;             // drawn from y = 0
     std::vector<std::pair<double, double>> points;             // drawn as circles
-    std::vector<ChartLabel> labels;                            // at a data point, above it
-    std::vector<std::pair<double, double>> marks;              // peak marks: a small triangle
+    // At a data point, above it; in order of importance: a label that would overlap one placed
+    // before it is left out.
+    std::vector<ChartLabel> labels;
+    std::vector<std::pair<double, double>> marks; // peak marks: a small triangle
+    bool wholeNumbersY = false;                   // counts: ticks only at whole numbers
 };
 
 // The chart as a standalone SVG document (960 x 540).

@@ -69,6 +69,13 @@ void WriteFileAtomically(const std::string& path, const std::string& text);
 // Saves samples read from inPath into outPath through the library's writer, atomically.
 void SaveReport(CSamples& samples, const std::string& inPath, const std::string& outPath);
 
+// Runs the fragment analysis of the sample with the neutral-loss list of the settings file
+// (empty: Tarnwick.ini beside the report): a progress bar on a terminal, one line otherwise, none
+// when quiet. Ctrl-C cancels it through the library's cancel hook: throws ToolError "cancelled"
+// with kExitCancelled. Returns the sample's analysis with its results.
+CFragmentAnalysis& RunFragmentAnalysis(CSampleData& sample, const std::string& settingsPath,
+                                       const std::string& reportPath, const GlobalOptions& options);
+
 // Writes a message line to standard error unless quiet.
 void Note(const GlobalOptions& options, const std::string& text);
 

@@ -1,6 +1,7 @@
 // quillon: read, analyse, export, plot and edit metabolite-identification reports.
 #include "Commands.h"
 
+#include <csignal>
 #include <iostream>
 
 using namespace quillon;
@@ -18,8 +19,12 @@ int main(int argc, char** argv) {
          {Registration(RegisterInfo), Registration(RegisterMetabolites),
           Registration(RegisterSummary), Registration(RegisterFragments),
           Registration(RegisterStability), Registration(RegisterPlot), Registration(RegisterExport),
-          Registration(RegisterEdit), Registration(RegisterCheck)})
+          Registration(RegisterEdit), Registration(RegisterMolfiles), Registration(RegisterCheck)})
         add(app, options);
+
+    // A write beyond the file-size limit fails with an error, so that a save is abandoned cleanly,
+    // instead of ending the tool.
+    std::signal(SIGXFSZ, SIG_IGN);
 
     // The library's messages go to standard error under the program's name.
     HostHooks hooks = GetHostHooks();

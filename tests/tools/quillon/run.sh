@@ -51,11 +51,28 @@ PY
 expect 0 "$quillon" plot "$example" --sample 4 --trace 2 -o "$work/trace.svg"
 expect 0 "$quillon" plot "$example" --sample 4 --combined all -o "$work/combined.svg"
 expect 0 "$quillon" plot "$example" --sample 4 --spectrum 1 -o "$work/spectrum.svg"
-for svg in trace combined spectrum stability; do
+expect 0 "$quillon" plot "$example" --sample 4 --fragments -o "$work/fragments.svg"
+for svg in trace combined spectrum stability fragments; do
     xmllint --noout "$work/$svg.svg" 2>/dev/null || fail "$svg.svg is not well-formed"
     grep -q "<text" "$work/$svg.svg" || fail "$svg.svg has no labels"
 done
 grep -q "<polyline" "$work/trace.svg" || fail "trace.svg has no trace"
+# Fragment sticks, and the fragments formed by a neutral loss marked and named after it.
+[ "$(grep -c '<line x1=.*stroke="#1f5fa8"' "$work/fragments.svg")" -ge 10 ] || fail "fragments.svg has too few sticks"
+grep -q '<path' "$work/fragments.svg" && grep -q "−C2H7N" "$work/fragments.svg" || fail "fragments.svg marks no neutral loss"
+
+# Molfiles: one file per embedded structure, each named in the list, which a second run starts afresh.
+for format in csv json; do
+    expect 0 "$quillon" molfiles "$example" -d "$work/structures" --format $format
+done
+python3 - "$work/out" "$work/structures/Molfiles.list" <<'PY' || fail "molfiles"
+import json, os, sys
+rows = json.load(open(sys.argv[1]))
+listed = open(sys.argv[2]).read().splitlines()
+assert len(rows) == 6 and [r["file"] for r in rows] == listed
+assert all(r["dimensions"] == 2 and r["name"] == "Chlorpromazine" for r in rows)
+assert all(os.path.getsize(path) > 100 for path in listed)
+PY
 expect 0 "$quillon" export "$example" -o "$work/model.json"
 python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert len(d['samples'])==6 and d['trace_points'] and d['metabolites']" "$work/model.json" || fail "export JSON"
 expect 0 "$quillon" export "$example" --format csv -o "$work/tables"
@@ -69,16 +86,54 @@ python3 -c "import json,sys; m=[r for r in json.load(open(sys.argv[1]))['metabol
 # The label is written (the report's readers pass over that column).
 grep -q "checked by e2e" "$work/edited.txt" || fail "the label was not written"
 
-# A save that fails leaves the original byte for byte: a read-only folder as the target.
-cp "$work/edited.txt" "$work/keep.txt" && cp "$work/edited.txt" "$work/before.txt"
-if [ "$(id -u)" -ne 0 ]; then
-    mkdir -p "$work/locked" && cp "$work/edited.txt" "$work/locked/r.txt" && chmod 555 "$work/locked"
-    expect 1 "$quillon" edit "$work/locked/r.txt" --in-place --sample 4 --metabolite 0 --unconfirm
-    cmp -s "$work/locked/r.txt" "$work/before.txt" || fail "a failed save changed the original"
-    chmod 755 "$work/locked"
-fi
-expect 1 "$quillon" edit "$work/keep.txt" -o "$work/no/such/folder/out.txt" --sample 4 --metabolite 0 --unconfirm
-cmp -s "$work/keep.txt" "$work/before.txt" || fail "a failed save changed the input"
+# A save keeps the report's permissions; one that fails half-way (a file-size limit) leaves the
+# original byte for byte and no temporary file behind.
+mkdir "$work/saves" && cp "$work/edited.txt" "$work/saves/r.txt" && chmod 640 "$work/saves/r.txt"
+expect 0 "$quillon" edit "$work/saves/r.txt" --in-place --sample 4 --metabolite 0 --confirm
+[ "$(stat -c %a "$work/saves/r.txt")" = 640 ] || fail "--in-place did not keep the permissions"
+cp "$work/saves/r.txt" "$work/before.txt"
+expect 1 bash -c 'ulimit -f 100 && exec "$@"' limited "$quillon" edit "$work/saves/r.txt" --in-place --sample 4 --metabolite 0 --unconfirm
+grep -q "File too large" "$work/err" || fail "a failed save does not say why: $(cat "$work/err")"
+cmp -s "$work/saves/r.txt" "$work/before.txt" || fail "a failed save changed the original"
+[ "$(ls -A "$work/saves")" = r.txt ] || fail "a failed save left files behind: $(ls -A "$work/saves")"
+expect 1 "$quillon" edit "$work/before.txt" -o "$work/before.txt/out.txt" --sample 4 --metabolite 0 --unconfirm
+grep -q "Not a directory" "$work/err" || fail "saving below a file: $(cat "$work/err")"
+
+# Ctrl-C cancels the fragment analysis: exit code 130, "cancelled", no output file. Standard error
+# is a full pipe, so the tool's first message, the one that announces the running analysis, holds
+# it inside the analysis until the signal has arrived.
+python3 - "$quillon" "$example" "$work/cancelled.txt" <<'PY' || fail "cancellation"
+import os, signal, subprocess, sys, time
+quillon, report, out = sys.argv[1:]
+probe = subprocess.Popen(["sleep", "5"])
+time.sleep(0.2)
+if open(f"/proc/{probe.pid}/wchan").read().strip() in ("", "0"):
+    probe.kill()
+    print("SKIP: no /proc/PID/wchan to see the tool waiting")
+    sys.exit(0)
+probe.kill()
+r, w = os.pipe()
+os.set_blocking(w, False)
+for size in (4096, 1):
+    try:
+        while True:
+            os.write(w, b"." * size)
+    except BlockingIOError:
+        pass
+os.set_blocking(w, True)
+tool = subprocess.Popen([quillon, "fragments", report, "--sample", "4", "-o", out],
+                        stdout=subprocess.DEVNULL, stderr=w)
+os.close(w)
+deadline = time.time() + 60
+while tool.poll() is None and "pipe_write" not in open(f"/proc/{tool.pid}/wchan").read():
+    assert time.time() < deadline, "the tool never announced the analysis"
+    time.sleep(0.01)
+tool.send_signal(signal.SIGINT)
+err = b"".join(iter(lambda: os.read(r, 65536), b"")).lstrip(b".").decode()
+assert tool.wait() == 130, (tool.returncode, err)
+assert "running the fragment analysis" in err and err.endswith("quillon: cancelled\n"), err
+assert not os.path.exists(out)
+PY
 
 # Bad input: one clear line naming the file, and the right exit code.
 expect 1 "$quillon" info "$work/missing.txt"
