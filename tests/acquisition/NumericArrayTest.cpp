@@ -44,17 +44,3 @@ TEST(NumericArrayTest, NumericArraysConvertTextsByCRules) {
     EXPECT_TRUE(doubles.IsEmpty());
     EXPECT_EQ(doubles.GetData(), nullptr);
 }
-
-TEST(NumericArrayTest, NumericArrayCopiesAreIndependent) {
-    CDoubleArray longer;
-    longer = Texts({"1", "2", "3"});
-    CDoubleArray shorter;
-    shorter = Texts({"9"});
-    CDoubleArray copy(longer);
-    copy = shorter;
-    ASSERT_EQ(copy.GetSize(), 1);
-    EXPECT_DOUBLE_EQ(copy[0], 9.0);
-    copy[0] = 5;
-    EXPECT_DOUBLE_EQ(shorter[0], 9.0);
-    EXPECT_EQ(longer.GetSize(), 3);
-}

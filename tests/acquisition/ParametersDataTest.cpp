@@ -1,7 +1,6 @@
 #include <quillon/acquisition/ParametersData.h>
-#include <quillon/file/DelimitFile.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
@@ -9,17 +8,9 @@
 #include <vector>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
-
-// Reads a "PARAMETERS" block (the lines after its header) into the parameters.
-void ReadBlock(CParametersData& parameters, const std::string& block) {
-    TempFile file;
-    file.Write(block);
-    CDelimitFile input(file.c_str(), CFile::modeRead);
-    EXPECT_EQ(parameters.Read(&input), TRUE);
-}
 
 std::vector<float> Values(const CFloatArray& array) {
     return std::vector<float>(array.begin(), array.end());
@@ -64,23 +55,4 @@ TEST(ParametersDataTest, LaterListsReplaceEarlierOnesAndEmptyLinesChangeNothing)
     EXPECT_EQ(Values(parameters.PositiveAdducts()), (std::vector<float>{4.0f}));
     EXPECT_EQ(Values(parameters.NegativeAdducts()), (std::vector<float>{5.0f, 6.0f}));
     EXPECT_EQ(parameters.SigPeaks(), 3);
-
-    CParametersData empty;
-    ReadBlock(empty, "{\n}\n");
-    EXPECT_EQ(empty.PeakFindMode(), "");
-    EXPECT_EQ(empty.PositiveAdducts().GetSize(), 0);
-    EXPECT_EQ(empty.SigPeaks(), 0);
-}
-
-TEST(ParametersDataTest, ACopyKeepsItsOwnAdductLists) {
-    CParametersData source;
-    CFloatArray adducts;
-    adducts.Add(1.5f);
-    source.PositiveAdductsSet(adducts);
-
-    CParametersData copy(source);
-    adducts.Add(2.5f);
-    source.PositiveAdductsSet(adducts);
-    EXPECT_EQ(Values(copy.PositiveAdducts()), (std::vector<float>{1.5f}));
-    EXPECT_EQ(Values(source.PositiveAdducts()), (std::vector<float>{1.5f, 2.5f}));
 }

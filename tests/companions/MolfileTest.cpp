@@ -1,27 +1,20 @@
 #include <quillon/companions/Molfile.h>
 #include <quillon/document/Samples.h>
-#include <quillon/file/DelimitFile.h>
 #include <quillon/platform/HostHooks.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace quillon {
 namespace {
 
+using quillon::testing::ReadBlock;
+using quillon::testing::ReadBytes;
 using quillon::testing::TempFile;
-
-std::string FileText(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
 
 // Points the molfile directory at a temporary folder for the test's lifetime.
 class MolfileDirectory {
@@ -40,17 +33,6 @@ private:
     TempFile m_folder;
     HostHooks m_saved;
 };
-
-// Reads a sample block (the lines after "[SAMPLE]") and returns the first line left unread.
-CString ReadSample(CSampleData& sample, const std::string& block) {
-    TempFile file;
-    file.Write(block + "AFTER\n");
-    CDelimitFile input(file.c_str(), CFile::modeRead);
-    EXPECT_EQ(sample.Read(&input), 1);
-    CString next;
-    input.ReadString(next);
-    return next;
-}
 
 const std::string kMolfileList = "{\n"
                                  "Sample\t7\n"
@@ -82,19 +64,19 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     const MolfileDirectory directory;
     // Without the list file nothing is written and the blocks are skipped whole.
     CSampleData unlisted;
-    EXPECT_EQ(ReadSample(unlisted, kMolfileList), "AFTER");
+    EXPECT_EQ(ReadBlock(unlisted, kMolfileList), "AFTER");
     EXPECT_TRUE(unlisted.GetMoleculeEnabled());
     EXPECT_EQ(unlisted.GetWell(), 5);
     EXPECT_FALSE(std::filesystem::exists(directory.Path("R_7.mol")));
 
     ASSERT_TRUE(CMolfile::StartList());
     CSampleData sample;
-    EXPECT_EQ(ReadSample(sample, kMolfileList), "AFTER");
+    EXPECT_EQ(ReadBlock(sample, kMolfileList), "AFTER");
     EXPECT_EQ(sample.GetWell(), 5);
     const std::string prefix = directory.Prefix();
-    EXPECT_EQ(FileText(directory.Path("Molfiles.list")), prefix + "_7.mol\n" + prefix +
-                                                             "R_7.mol\n" + prefix + "R_7.mol\n" +
-                                                             prefix + "___up____x_7.mol\n");
+    EXPECT_EQ(ReadBytes(directory.Path("Molfiles.list")), prefix + "_7.mol\n" + prefix +
+                                                              "R_7.mol\n" + prefix + "R_7.mol\n" +
+                                                              prefix + "___up____x_7.mol\n");
     // The listed paths split back into the references (as made safe) and the sample number.
     CStringArray listed;
     ASSERT_TRUE(CMolfile::ReadList(listed));
@@ -112,16 +94,16 @@ TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     for (const std::string& other : {std::string("/elsewhere/R_7.mol"), prefix + "R.mol",
                                      prefix + "R_x.mol", prefix + "R_7.txt", prefix + ".mol"})
         EXPECT_FALSE(CMolfile::SplitMolfilePath(other.c_str(), reference, number)) << other;
-    EXPECT_EQ(FileText(directory.Path("_7.mol")), "nameless\n");
-    EXPECT_EQ(FileText(directory.Path("R_7.mol")), "second\n"); // the second replaced it
-    EXPECT_EQ(FileText(directory.Path("___up____x_7.mol")), "escaped\n");
+    EXPECT_EQ(ReadBytes(directory.Path("_7.mol")), "nameless\n");
+    EXPECT_EQ(ReadBytes(directory.Path("R_7.mol")), "second\n"); // the second replaced it
+    EXPECT_EQ(ReadBytes(directory.Path("___up____x_7.mol")), "escaped\n");
 
     // A molfile that never closes ends at end of file.
     CSampleData unclosed;
-    EXPECT_EQ(ReadSample(unclosed, "{\nSample\t8\n[MOLFILE LIST]\n{\nReference\tU\n[MOLFILE]\n{\n"
-                                   "line\n  {\n }\n"),
+    EXPECT_EQ(ReadBlock(unclosed, "{\nSample\t8\n[MOLFILE LIST]\n{\nReference\tU\n[MOLFILE]\n{\n"
+                                  "line\n  {\n }\n"),
               "");
-    EXPECT_EQ(FileText(directory.Path("U_8.mol")), "line\n  {\n }\nAFTER\n");
+    EXPECT_EQ(ReadBytes(directory.Path("U_8.mol")), "line\n  {\n }\nAFTER\n");
 
     // Starting the list again empties it.
     ASSERT_TRUE(CMolfile::StartList());
@@ -202,37 +184,6 @@ TEST(MolfileTest, DimensionsComeFromTheHeaderLineAndTheSearchPrefersNeighbours) 
     EXPECT_EQ(numberOf(4), 3);  // 3D itself; the nearest earlier "A" is taken
     EXPECT_EQ(numberOf(5), 6);  // no molfile list; a later sample of mass "318" qualifies
     EXPECT_EQ(numberOf(99), 6); // no such number: the last sample
-}
-
-TEST(MolfileTest, TheExampleBatchMolfilesAreExtracted) {
-    const MolfileDirectory directory;
-    ASSERT_TRUE(CMolfile::StartList());
-    CSamples samples;
-    ASSERT_EQ(
-        samples.Read(
-            (std::string(QUILLON_SOURCE_DIR) + "/examples/Chlorpromazine_HLM_batch.txt").c_str()),
-        1);
-    ASSERT_GT(samples.GetSamplesCount(), 0);
-    int withStructure = 0;
-    for (int index = 0; index < samples.GetSamplesCount(); ++index) {
-        CSampleData& sample = *samples.GetSample(index);
-        const int dimensions = sample.SetMoleculeDimensions();
-        if (!sample.GetMoleculeEnabled()) {
-            EXPECT_EQ(dimensions, 0);
-            continue;
-        }
-        ++withStructure;
-        EXPECT_EQ(dimensions, 2) << sample.GetNumber();
-        const CString path =
-            CMolfile::MolfilePath(sample.GetMoleculeReference(), sample.GetNumber());
-        EXPECT_EQ(FileText(path.c_str()).rfind("Chlorpromazine\n", 0), 0u) << path.c_str();
-    }
-    EXPECT_GT(withStructure, 0);
-    CStringArray listed;
-    ASSERT_TRUE(CMolfile::ReadList(listed));
-    for (const CString& path : listed)
-        EXPECT_TRUE(std::filesystem::exists(path.str())) << path;
-    EXPECT_GE(listed.GetSize(), withStructure);
 }
 
 } // namespace

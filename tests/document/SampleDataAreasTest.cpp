@@ -1,17 +1,16 @@
 #include <quillon/document/SampleData.h>
 
-#include <quillon/file/DelimitFile.h>
 #include <quillon/metabolites/DivBroParams.h>
 #include <quillon/metabolites/MetaboliteData.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
 
@@ -51,10 +50,7 @@ CMetaboliteData Metabolite(bool expected, int peak, int trace, bool found) {
 class SampleDataAreasTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        TempFile report;
-        report.Write(SampleBlock());
-        CDelimitFile file(report.c_str(), CFile::modeRead);
-        ASSERT_EQ(sample.Read(&file), 1);
+        ReadBlock(sample, SampleBlock());
         sample.AddMSMetabolite(Metabolite(true, 1, 1, true));
         sample.AddMSMetabolite(Metabolite(true, 2, 1, true));
         sample.AddMSMetabolite(Metabolite(true, 3, 1, false));

@@ -1,15 +1,13 @@
 #include <quillon/document/SampleData.h>
 
-#include <quillon/file/DelimitFile.h>
-
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
-using quillon::testing::TempFile;
+using quillon::testing::ReadBlock;
 
 namespace {
 
@@ -54,12 +52,7 @@ std::string SampleBlock() {
 
 class SampleDataNavigationTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        TempFile report;
-        report.Write(SampleBlock());
-        CDelimitFile file(report.c_str(), CFile::modeRead);
-        ASSERT_EQ(sample.Read(&file), 1);
-    }
+    void SetUp() override { ReadBlock(sample, SampleBlock()); }
 
     float PeakTime(const CChromatogramPeak* peak) { return peak ? peak->GetTime() : -1.0f; }
 
@@ -72,31 +65,19 @@ TEST_F(SampleDataNavigationTest, ReadsFunctionsChannelsAndContinuations) {
     ASSERT_EQ(sample.GetFunctionCount(), 2);
     EXPECT_EQ(sample.GetNumber(), 1);
     EXPECT_EQ(sample.GetFunction(0)->GetNumChromatogram(), 3); // the continuation added trace 5
-    EXPECT_EQ(sample.GetFunction(0)->GetChromatogram(2)->GetTraceNumber(), 5);
     EXPECT_EQ(sample.GetFunction(0)->GetChromatogram(2)->GetFunctionNumber(), 1);
     EXPECT_EQ(sample.GetFunction(1)->GetNumSpectra(false), 2);
-    EXPECT_EQ(sample.GetFunction(), sample.GetFunction(1));
-    EXPECT_EQ(sample.GetFunction(2), nullptr);
-    EXPECT_EQ(sample.GetFunction(-1), nullptr);
     ASSERT_EQ(sample.GetAnalogCount(), 1);
     EXPECT_EQ(sample.GetAnalogChannel(0)->GetTraceNumber(), 20);
-    EXPECT_EQ(sample.GetAnalogChannel(), sample.GetAnalogChannel(0));
-    EXPECT_EQ(sample.GetAnalogChannel(1), nullptr);
 
     CSampleData copy(sample);
     ASSERT_EQ(copy.GetFunctionCount(), 2);
     EXPECT_NE(copy.GetFunction(0), sample.GetFunction(0));
     EXPECT_EQ(copy.GetTrace(5)->GetNumPeaks(), 2);
-    copy.Empty();
-    EXPECT_EQ(copy.GetFunctionCount(), 0);
-    EXPECT_EQ(copy.GetAnalogCount(), 0);
-    EXPECT_EQ(sample.GetFunctionCount(), 2);
 }
 
 TEST_F(SampleDataNavigationTest, FindsFunctionsTracesAndChromatograms) {
     EXPECT_EQ(sample.GetFunctionEntryWithNumber(2), 1);
-    EXPECT_EQ(sample.GetFunctionEntryWithNumber(7), -1);
-    EXPECT_EQ(sample.GetFunctionWithNumber(1), sample.GetFunction(0));
     EXPECT_EQ(sample.GetFunctionWithNumber(7), nullptr);
 
     EXPECT_EQ(sample.GetFunctionContainingTrace(3), sample.GetFunction(1));
@@ -106,32 +87,21 @@ TEST_F(SampleDataNavigationTest, FindsFunctionsTracesAndChromatograms) {
 
     EXPECT_EQ(sample.GetTrace(4), sample.GetFunction(1)->GetChromatogram(1));
     EXPECT_EQ(sample.GetTrace(20), sample.GetAnalogChannel(0));
-    EXPECT_EQ(sample.GetTrace(99), nullptr);
     EXPECT_EQ(sample.GetTrace(-5), nullptr);
-    EXPECT_EQ(sample.GetTrace(-100), sample.GetCombinedTrace(-100));
-    EXPECT_EQ(sample.GetTrace(-101), sample.GetCombinedTrace(-101));
     EXPECT_EQ(sample.GetTrace(-102), sample.GetCombinedTrace(-102));
     EXPECT_NE(sample.GetTrace(-101), sample.GetTrace(-100));
 
     EXPECT_EQ(sample.GetTraceNum(2, "TIC"), 3);
     EXPECT_EQ(sample.GetTraceNum(1, "XIC:455.2"), 2);
     EXPECT_EQ(sample.GetTraceNum(1, "tic"), 0);
-    EXPECT_EQ(sample.GetTraceNum(1, ""), 0);
-    EXPECT_EQ(sample.GetTraceNum(9, "TIC"), 0);
-    EXPECT_EQ(sample.GetTraceNum(-100, "anything"), -100);
     EXPECT_EQ(sample.GetTraceNum(-102, ""), -102);
 
     EXPECT_EQ(sample.GetChromatogramIndex(0, 5), 2);
     EXPECT_EQ(sample.GetChromatogramIndex(1, 3), 0);
     EXPECT_EQ(sample.GetChromatogramIndex(1, 1), -1);
-    EXPECT_EQ(sample.GetChromatogramIndex(0, 0), -1);
-    EXPECT_EQ(sample.GetChromatogramIndex(-1, 1), -1);
     EXPECT_EQ(sample.GetChromatogramIndex(5, 1), -1);
-    EXPECT_EQ(sample.GetChromatogramIndex(1, CString("XIC:455.2")), 1);
     EXPECT_EQ(sample.GetChromatogramIndex(0, CString("BPI")), 2);
-    EXPECT_EQ(sample.GetChromatogramIndex(0, CString("")), -1);
 
-    EXPECT_TRUE(sample.SameTrace(1, 3));
     EXPECT_TRUE(sample.SameTrace(2, 4));
     EXPECT_FALSE(sample.SameTrace(1, 2));
     EXPECT_FALSE(sample.SameTrace(1, 99));
@@ -139,7 +109,6 @@ TEST_F(SampleDataNavigationTest, FindsFunctionsTracesAndChromatograms) {
 
     EXPECT_EQ(sample.GetCorrespondingSpectrum(10), sample.GetFunction(0)->GetSpectrum(0, false));
     EXPECT_EQ(sample.GetCorrespondingSpectrum(13), sample.GetFunction(1)->GetSpectrum(1, false));
-    EXPECT_EQ(sample.GetCorrespondingSpectrum(99), nullptr);
 }
 
 TEST_F(SampleDataNavigationTest, FindsPeaksByIdentifierInWalkOrder) {
@@ -147,14 +116,10 @@ TEST_F(SampleDataNavigationTest, FindsPeaksByIdentifierInWalkOrder) {
     EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 1)), 1.6f);
     EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 2)), 1.7f);
     EXPECT_EQ(sample.GetCorispondingPeakInfo(10, 3), nullptr);
-    EXPECT_EQ(sample.GetCorispondingPeakInfo(10, -1), nullptr);
     EXPECT_EQ(sample.GetNumberOfChroGraphs(10), 3);
-    EXPECT_EQ(sample.GetNumberOfChroGraphs(11), 1);
-    EXPECT_EQ(sample.GetNumberOfChroGraphs(99), 0);
 
     EXPECT_EQ(sample.GetCorispondingChroMatogram(10, 2), sample.GetTrace(3));
     EXPECT_EQ(sample.GetCorispondingChroMatogram(10, 3), nullptr);
-    EXPECT_EQ(sample.GetCorispondingChromatNumber(10, 1), 2);
     EXPECT_EQ(sample.GetCorispondingChromatNumber(14, 0), 5);
     EXPECT_EQ(sample.GetCorispondingChromatNumber(10, 3), 0);
 
@@ -164,24 +129,17 @@ TEST_F(SampleDataNavigationTest, FindsPeaksByIdentifierInWalkOrder) {
     EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 2, 1)), 1.5f); // lacks the trace
     EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 3, 3)), 1.5f); // beyond count
     EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 0, 3)), 1.5f);
-    EXPECT_FLOAT_EQ(PeakTime(sample.GetCorispondingPeakInfo(10, 2, 0)), 1.5f);
-    EXPECT_EQ(sample.GetCorispondingPeakInfo(0, 1, 1), nullptr);
 
-    EXPECT_EQ(sample.RetrievePeakClusterNum(12, 1), 4);
     EXPECT_EQ(sample.RetrievePeakClusterNum(12, 99), 4);
-    EXPECT_EQ(sample.RetrievePeakClusterNum(11, -3), 3);
-    EXPECT_EQ(sample.RetrievePeakClusterNum(0, 1), -1);
     EXPECT_EQ(sample.RetrievePeakClusterNum(99, 1), -1);
 }
 
 TEST_F(SampleDataNavigationTest, CountsAndOrdersChromatogramsOfACluster) {
     // Trace 1 holds two peaks of cluster 3 and counts once.
     EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(3), 5);
-    EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(4), 1);
     EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(99), 0);
     EXPECT_EQ(sample.GetNumberOfChroGraphsInCluster(0), 1);
 
-    EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 1), 2);
     EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 4), 2);
     EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(3, 5), 1);
     EXPECT_EQ(sample.GetNumberOfSameTracesInCluster(4, 3), 0);
@@ -194,20 +152,16 @@ TEST_F(SampleDataNavigationTest, CountsAndOrdersChromatogramsOfACluster) {
     EXPECT_EQ(sample.GetTraceInCluster(3, 3), 5);
     EXPECT_EQ(sample.GetTraceInCluster(3, 5), 4);
     EXPECT_EQ(sample.GetTraceInCluster(3, 6), -1);
-    EXPECT_EQ(sample.GetTraceInCluster(3, 0), -1);
-    EXPECT_EQ(sample.GetTraceInCluster(0, 1), -1);
 
     EXPECT_EQ(sample.GetSameTraceInCluster(3, 1, 3), 1);
     EXPECT_EQ(sample.GetSameTraceInCluster(3, 2, 1), 3);
     EXPECT_EQ(sample.GetSameTraceInCluster(3, 3, 1), -1);
     EXPECT_EQ(sample.GetSameTraceInCluster(3, 1, 99), -1);
-    EXPECT_EQ(sample.GetSameTraceInCluster(0, 1, 1), -1);
 
     EXPECT_EQ(sample.GetSamePeakInCluster(3, 1, 1), 10);
     EXPECT_EQ(sample.GetSamePeakInCluster(3, 1, 2), 10); // trace 2's first peak is of cluster 4
     EXPECT_EQ(sample.GetSamePeakInCluster(3, 2, 2), 13);
     EXPECT_EQ(sample.GetSamePeakInCluster(3, 3, 2), -1);
-    EXPECT_EQ(sample.GetSamePeakInCluster(0, 1, 1), -1);
 }
 
 TEST_F(SampleDataNavigationTest, RangeAndPositivityOverAllFunctions) {
@@ -222,7 +176,6 @@ TEST_F(SampleDataNavigationTest, RangeAndPositivityOverAllFunctions) {
     EXPECT_EQ(sample.IsPositive(-1, flags, &text), 1);
     EXPECT_EQ(flags, 1);
     EXPECT_EQ(text, "weak");
-    EXPECT_EQ(sample.IsPositive(0), 1);
     EXPECT_EQ(sample.IsPositive(1), 0); // no spectrum has a second result
 
     CSampleData empty;
@@ -231,22 +184,17 @@ TEST_F(SampleDataNavigationTest, RangeAndPositivityOverAllFunctions) {
     EXPECT_FLOAT_EQ(end, 0.0f);
     EXPECT_EQ(empty.IsPositive(-1, flags, nullptr), 0);
     EXPECT_EQ(flags, 0);
-    EXPECT_EQ(empty.GetTrace(1), nullptr);
-    EXPECT_EQ(empty.GetCorispondingPeakInfo(1, 0), nullptr);
 }
 
 TEST(SampleDataFunctionAppendTest, ContinuationsReadOnFromOutsideTheirBlock) {
     // The look-up of the function number consumes the block's "{", so the continued function
     // reads on past the block's "}" and takes the next section of the sample as its own.
     CSampleData sample;
-    TempFile report;
-    report.Write("{\n[FUNCTION]\n{\nFunction\t1\nType\tMS\n}\n"
-                 "[FUNCTION_APPEND]\n{\nFunction\t1\nIonMode\tES-\n}\n"
-                 "[ANALOG]\n{\nDescription\tANALOG 1\nTraceNumber\t20\n}\n"
-                 "[FUNCTION_APPEND]\n{\nFunction\t7\nType\tDAD\n}\n"
-                 "}\n");
-    CDelimitFile file(report.c_str(), CFile::modeRead);
-    sample.Read(&file);
+    ReadBlock(sample, "{\n[FUNCTION]\n{\nFunction\t1\nType\tMS\n}\n"
+                      "[FUNCTION_APPEND]\n{\nFunction\t1\nIonMode\tES-\n}\n"
+                      "[ANALOG]\n{\nDescription\tANALOG 1\nTraceNumber\t20\n}\n"
+                      "[FUNCTION_APPEND]\n{\nFunction\t7\nType\tDAD\n}\n"
+                      "}\n");
 
     ASSERT_EQ(sample.GetFunctionCount(), 2);
     CFunctionData* continued = sample.GetFunction(0);

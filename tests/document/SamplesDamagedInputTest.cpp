@@ -5,35 +5,20 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
-#include <vector>
 
 using namespace quillon;
+using quillon::testing::ReadBytes;
 using quillon::testing::TempFile;
 
 namespace {
 
-std::string ExampleReport() {
-    std::ifstream in(std::string(QUILLON_SOURCE_DIR) + "/examples/Chlorpromazine_HLM_batch.txt",
-                     std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
-
-// Reads bytes as a report; the messages a damaged sample raises are collected, not shown.
-int ReadSamples(const TempFile& file, const std::string& bytes, int* messages = nullptr) {
+// Reads bytes as a report; the messages a damaged sample raises are not shown.
+int ReadSamples(const TempFile& file, const std::string& bytes) {
     file.Write(bytes);
     HostHooks hooks;
-    hooks.showMessage = [messages](const CString&, const CString&, MessageIcon) {
-        if (messages != nullptr)
-            ++*messages;
-        return kMessageOk;
-    };
+    hooks.showMessage = [](const CString&, const CString&, MessageIcon) { return kMessageOk; };
     SetHostHooks(hooks);
     CSamples samples;
     const int result = samples.Read(file.c_str());
@@ -47,7 +32,8 @@ int ReadSamples(const TempFile& file, const std::string& bytes, int* messages = 
 // A report cut off anywhere is read as far as it goes: never more samples than the whole file
 // holds, and all of them once the cut lies past the last sample's header.
 TEST(SamplesDamagedInputTest, TruncatedReportsReadAsFarAsTheyGo) {
-    const std::string report = ExampleReport();
+    const std::string report =
+        ReadBytes(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt");
     ASSERT_FALSE(report.empty());
     TempFile file("cut.txt");
     const int whole = ReadSamples(file, report);
@@ -76,9 +62,9 @@ int SampleHeaders(const std::string& text) {
     return count;
 }
 
-// Bytes that are no report at all, a report whose lines were shuffled, and reports with markers,
-// delimiters and line ends put in random places neither crash nor hang the reader.
-TEST(SamplesDamagedInputTest, GarbageShuffledAndMutatedReportsAreReadWithoutHarm) {
+// Bytes that are no report at all and reports with markers, delimiters and line ends put in random
+// places make no samples beyond their headers.
+TEST(SamplesDamagedInputTest, GarbageAndMutatedReportsAreReadWithoutHarm) {
     TempFile file("garbage.txt");
     std::mt19937 random(12345);
     std::string garbage(64 * 1024, '\0');
@@ -86,17 +72,8 @@ TEST(SamplesDamagedInputTest, GarbageShuffledAndMutatedReportsAreReadWithoutHarm
         byte = static_cast<char>(random());
     EXPECT_EQ(ReadSamples(file, garbage), 0);
 
-    const std::string report = ExampleReport();
-    std::istringstream lines(report);
-    std::vector<std::string> all;
-    for (std::string line; std::getline(lines, line);)
-        all.push_back(line);
-    std::shuffle(all.begin(), all.end(), random);
-    std::string shuffled;
-    for (const std::string& line : all)
-        shuffled += line + "\n";
-    EXPECT_LE(ReadSamples(file, shuffled), SampleHeaders(shuffled));
-
+    const std::string report =
+        ReadBytes(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt");
     const std::string damage = "\t\n{}[];0-.eA";
     for (int mutant = 0; mutant < 30; ++mutant) {
         std::string mutated = report;

@@ -19,11 +19,14 @@ std::string Sample(int number) {
 } // namespace
 
 TEST(SamplesReadReport, NotesWhatTheTopLevelPassesOverWithItsOffset) {
-    const std::string unknown = "[PLATE NOTES]\n{\nRow\t1\n}\n";
+    // An unknown section with a sample header inside its block, stray lines and blocks, a header
+    // without a block, and a sample the file ends inside.
+    const std::string unknown = "[PLATE NOTES]\n{\nRow\t1\n[NESTED]\n{\n[SAMPLE]\n}\n}\n";
     const std::string stray = "loose line\n}\n{\nx\n}\n";
+    const std::string noBlock = "[NO BLOCK]\n";
     const std::string open = "[SAMPLE]\n{\nSample\t3\n[COMPOUND]\n{\n1.0\tC\tX\n";
     TempFile input("report.txt");
-    input.Write(Sample(1) + unknown + stray + Sample(2) + open);
+    input.Write(Sample(1) + unknown + stray + noBlock + Sample(2) + open);
 
     CSamples samples;
     ASSERT_EQ(samples.Read(input.c_str()), 1);
@@ -33,15 +36,14 @@ TEST(SamplesReadReport, NotesWhatTheTopLevelPassesOverWithItsOffset) {
 
     const size_t unknownAt = Sample(1).size();
     const size_t strayAt = unknownAt + unknown.size();
-    const size_t openAt = strayAt + stray.size() + Sample(2).size();
+    const size_t noBlockAt = strayAt + stray.size();
+    const size_t openAt = noBlockAt + noBlock.size() + Sample(2).size();
     const CReadReport& report = samples.GetReadReport();
-    ASSERT_EQ(report.entries.size(), 5U);
+    ASSERT_EQ(report.entries.size(), 6U);
     const std::vector<std::pair<CReadReport::Kind, size_t>> expected{
-        {CReadReport::UnknownSection, unknownAt},
-        {CReadReport::StrayLine, strayAt},
-        {CReadReport::StrayBlockEnd, strayAt + 11},
-        {CReadReport::StrayBlock, strayAt + 13},
-        {CReadReport::OpenBlock, openAt}};
+        {CReadReport::UnknownSection, unknownAt},   {CReadReport::StrayLine, strayAt},
+        {CReadReport::StrayBlockEnd, strayAt + 11}, {CReadReport::StrayBlock, strayAt + 13},
+        {CReadReport::UnknownSection, noBlockAt},   {CReadReport::OpenBlock, openAt}};
     for (size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(report.entries[i].kind, expected[i].first) << i;
         EXPECT_EQ(report.entries[i].offset, static_cast<int64_t>(expected[i].second)) << i;

@@ -52,17 +52,6 @@ TEST(SamplesSafeReading, ReaderAndWriterAgreeOnSampleHeaders) {
     EXPECT_EQ(Numbers(written), (std::vector<int>{1, 3}));
 }
 
-// Sections this library does not know, stray blocks and stray closing braces at the top level
-// are passed over; every sample is read.
-TEST(SamplesSafeReading, UnknownTopLevelSectionsDoNotEndTheReading) {
-    TempFile file;
-    file.Write("[HISTORY]\n{\nline\n[NESTED]\n{\n[SAMPLE]\n}\n}\n" + Sample(1) +
-               "{\nstray\n}\n}\n}\n" + Sample(2) + "[NO BLOCK]\n" + Sample(3));
-    CSamples samples;
-    ASSERT_EQ(samples.Read(file.c_str()), 1);
-    EXPECT_EQ(Numbers(samples), (std::vector<int>{1, 2, 3}));
-}
-
 // Only regular files are read: a pipe without a writer, a device or a folder fail at once with
 // a clear reason instead of blocking or growing one endless line.
 TEST(SamplesSafeReading, OnlyRegularFilesAreOpened) {

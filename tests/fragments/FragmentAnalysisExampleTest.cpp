@@ -1,4 +1,4 @@
-// The fragment analysis and the combined traces on the example batch.
+// The combined traces of the fragment analysis on the example batch.
 
 #include <quillon/document/Samples.h>
 #include <quillon/fragments/FragmentAnalysis.h>
@@ -43,28 +43,6 @@ bool HasSpectra(const CFragmentAnalysis& fa, int entry) {
     return fa.GetPeaksForNeutralLoss(entry, tag, functions, peaks);
 }
 
-TEST_F(ExampleBatch, EveryIncubationGivesFragmentsAndConfirmedNeutralLosses) {
-    int withLosses = 0;
-    for (int s = 0; s < m_samples.GetSamplesCount(); ++s) {
-        CSampleData& sample = *m_samples.GetSample(s);
-        CFragmentAnalysis* fa = sample.GetFragmentAnalysis();
-        ASSERT_TRUE(fa->IsEnabled()) << s;
-        ASSERT_TRUE(fa->DoFragmentAnalysis(&sample)) << s;
-        EXPECT_TRUE(fa->HasParents()) << s;
-        EXPECT_TRUE(fa->HasFragments()) << s;
-        EXPECT_TRUE(fa->HasNeutralLosses()) << s;
-        EXPECT_GT(fa->GetParentMass(), 319.0);
-        EXPECT_LT(fa->GetParentMass(), 319.2);
-        // The parent's fragments: the dimethylaminopropyl ion at 86 and the loss of
-        // dimethylamine to 274.
-        CUIntArray masses;
-        fa->GetFragmentMasses(masses);
-        EXPECT_NE(std::find(masses.begin(), masses.end(), 86u), masses.end()) << s;
-        withLosses += fa->GetNeutralLossOccurrences().GetSize() > 0 ? 1 : 0;
-    }
-    EXPECT_GT(withLosses, 0);
-}
-
 TEST_F(ExampleBatch, CombinedTracesAreBuiltOnceFromTheChosenMetabolites) {
     CSampleData& sample = *m_samples.GetSample(2);
     ASSERT_TRUE(sample.GetFragmentAnalysis()->DoFragmentAnalysis(&sample));
@@ -73,11 +51,6 @@ TEST_F(ExampleBatch, CombinedTracesAreBuiltOnceFromTheChosenMetabolites) {
                                          0.0, false, false, false, 0.0, 0.0, false, leaveOutParent,
                                          false);
     };
-    EXPECT_EQ(CSampleData::GetCombinedTraceNum(true, true), -101);
-    EXPECT_EQ(CSampleData::GetCombinedTraceNum(false, true), -102);
-    EXPECT_EQ(CSampleData::GetCombinedTraceNum(false, false), -100);
-    EXPECT_TRUE(CSampleData::IsCombinedTraceNum(-102));
-    EXPECT_FALSE(CSampleData::IsCombinedTraceNum(-103));
     EXPECT_EQ(sample.GetCombinedTrace(5), sample.GetCombinedTrace(-100));
     EXPECT_TRUE(sample.CombinedTraceNeedsData());
     EXPECT_FALSE(setup(-99, false));

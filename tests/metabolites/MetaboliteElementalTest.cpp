@@ -3,13 +3,14 @@
 #include <quillon/metabolites/ElementalResultsData.h>
 #include <quillon/metabolites/MetaboliteData.h>
 
-#include "support/TempFile.h"
+#include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace quillon;
+using quillon::testing::ReadBlock;
 using quillon::testing::TempFile;
 
 namespace {
@@ -121,13 +122,9 @@ TEST(MetaboliteElementalTest, SectionsFillTheNonExpectedMetabolitesAndWriteBack)
     const std::string secondList = "{\n;m/z Found\tCalc. m/z\tmDa\tPPM\tDBE\tm/zFormula\t"
                                    "MassFormula\ti-FIT\n"
                                    "0.000000\t1.000000\t0\t0\t0\tH\tH\t1\t1\n}\n";
-    TempFile report;
-    report.Write("{\n[ELEMENTAL]\n" + firstList + "[ELEMENTAL]\n" + secondList + "[ELEMENTAL]\n" +
-                 firstList + "SampleID\tafter\n}\n");
-    {
-        CDelimitFile file(report.c_str(), CFile::modeRead);
-        ASSERT_EQ(sample.Read(&file), 1);
-    }
+    EXPECT_EQ(ReadBlock(sample, "{\n[ELEMENTAL]\n" + firstList + "[ELEMENTAL]\n" + secondList +
+                                    "[ELEMENTAL]\n" + firstList + "SampleID\tafter\n}\n"),
+              "AFTER");
     ASSERT_EQ(sample.GetExpectedMetaboliteCount(), 2);
     EXPECT_TRUE(sample.GetElementalEnabled());
     EXPECT_EQ(sample.GetMetabolite(0)->GetNumElementalResults(), 0);

@@ -33,11 +33,7 @@ TEST(ReferenceTest, PlatePartsSplitAndPrint) {
         EXPECT_EQ(point, each.point) << each.text;
     }
 
-    CReference reference;
     CString text;
-    reference.SetReference("3,4");
-    reference.GetReference(text);
-    EXPECT_EQ(text, "3,4");
     CPoint single(7, 0);
     CReference other;
     other.SetReference(&single, 9);
@@ -63,8 +59,7 @@ TEST(VialRefTest, ReferencesResolveOnThePlateAndRebuildTheirText) {
     EXPECT_EQ(vialPart, "12:3");
 
     vial.SetReference("A1:B3", &plate);
-    vial.GetReference(text);
-    EXPECT_EQ(text, "1,1:B3");
+    EXPECT_EQ(static_cast<CString>(vial), "1,1:B3");
     EXPECT_EQ(vial.GetVial(), 15);
 
     vial.SetReference("MSMS1:5", &plate); // a numeric vial part is the vial number
@@ -73,7 +68,6 @@ TEST(VialRefTest, ReferencesResolveOnThePlateAndRebuildTheirText) {
 
     vial.SetReference("12", &plate);
     EXPECT_EQ(static_cast<CString>(vial), "0:A12");
-    EXPECT_EQ(static_cast<CReference>(vial).IsMSMSPlate(), false);
     CReference reference;
     int number = -1;
     int vialNumber = -1;
@@ -92,12 +86,6 @@ TEST(VialRefTest, ReferencesResolveOnThePlateAndRebuildTheirText) {
         fresh.GetReference(text);
         EXPECT_EQ(text.Right(1), ":") << bad;
     }
-
-    CVialRef copy(vial);
-    CVialRef assigned;
-    assigned = vial;
-    EXPECT_EQ(static_cast<CString>(copy), "0:A12");
-    EXPECT_EQ(assigned.GetVial(), 12);
 }
 
 TEST(VialRefTest, SampleParsesOnItsOwnPlate) {

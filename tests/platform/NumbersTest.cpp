@@ -12,12 +12,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <random>
 #include <sstream>
 #include <string>
 
 using namespace quillon;
+using quillon::testing::ReadBytes;
 using quillon::testing::TempFile;
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -37,13 +37,6 @@ bool SameDouble(double a, double b) {
     return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-std::string ReadAll(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 // The example batch read and written back; the closing comment (with its time) left out.
 std::string RewrittenExample(const TempFile& out) {
     const std::string example =
@@ -55,7 +48,7 @@ std::string RewrittenExample(const TempFile& out) {
         CDelimitFile written(out.c_str(), CFile::modeWrite | CFile::modeCreate);
         samples.Write(&in, &written);
     }
-    std::string text = ReadAll(out.Path());
+    std::string text = ReadBytes(out.Path());
     text.erase(text.rfind(";Metabolite sections updated by"));
     std::ostringstream values;
     values.precision(17);

@@ -4,46 +4,30 @@
 
 using quillon::CString;
 
-TEST(StringTest, ConstructionAndConversion) {
-    EXPECT_TRUE(CString(static_cast<const char*>(nullptr)).IsEmpty());
-    EXPECT_EQ(CString('x', 3), "xxx");
-    EXPECT_TRUE(CString('x', 0).IsEmpty());
-    EXPECT_STREQ(static_cast<const char*>(CString("abc")), "abc");
-    CString bytes("a\xff\x01", 3);
-    EXPECT_EQ(bytes.GetLength(), 3);
-    EXPECT_EQ(static_cast<unsigned char>(bytes[1]), 0xff);
-}
-
 TEST(StringTest, FindAndReverseFindBoundaries) {
     const CString text("abcabc");
     EXPECT_EQ(text.Find('c'), 2);
     EXPECT_EQ(text.Find('c', 3), 5);
     EXPECT_EQ(text.Find('c', 6), -1);
     EXPECT_EQ(text.Find('c', -4), 2);
-    EXPECT_EQ(text.Find('z'), -1);
     EXPECT_EQ(text.Find("bc", 2), 4);
     EXPECT_EQ(text.Find("", 6), 6);
     EXPECT_EQ(text.Find("bc", 7), -1);
     EXPECT_EQ(text.ReverseFind('a'), 3);
-    EXPECT_EQ(text.ReverseFind('z'), -1);
     EXPECT_EQ(text.FindOneOf("xc"), 2);
-    EXPECT_EQ(text.FindOneOf("xyz"), -1);
     EXPECT_EQ(CString().Find('a'), -1);
 }
 
 TEST(StringTest, MidLeftRightAreClamped) {
     const CString text("hello");
-    EXPECT_EQ(text.Mid(1), "ello");
     EXPECT_EQ(text.Mid(1, 2), "el");
     EXPECT_EQ(text.Mid(-3, 2), "he");
     EXPECT_EQ(text.Mid(3, 100), "lo");
     EXPECT_EQ(text.Mid(5), "");
     EXPECT_EQ(text.Mid(9, 2), "");
     EXPECT_EQ(text.Mid(2, -1), "");
-    EXPECT_EQ(text.Left(2), "he");
     EXPECT_EQ(text.Left(-1), "");
     EXPECT_EQ(text.Left(50), "hello");
-    EXPECT_EQ(text.Right(3), "llo");
     EXPECT_EQ(text.Right(50), "hello");
     EXPECT_EQ(text.Right(-2), "");
 }
@@ -55,8 +39,6 @@ TEST(StringTest, FormatFollowsPrintfRules) {
     const std::string longText(5000, 'q');
     text.Format("<%s>", longText.c_str());
     EXPECT_EQ(text.GetLength(), 5002);
-    text.Format("%s", "");
-    EXPECT_TRUE(text.IsEmpty());
 }
 
 TEST(StringTest, EditingOperations) {
@@ -65,7 +47,6 @@ TEST(StringTest, EditingOperations) {
     EXPECT_EQ(text, "a-b-c");
     EXPECT_EQ(text.Replace("-", "::"), 2);
     EXPECT_EQ(text, "a::b::c");
-    EXPECT_EQ(text.Replace("x", "y"), 0);
     EXPECT_EQ(text.Replace("::", ""), 2);
     EXPECT_EQ(text, "abc");
     EXPECT_EQ(text.Remove('b'), 1);
@@ -76,7 +57,6 @@ TEST(StringTest, EditingOperations) {
     EXPECT_EQ(text.Delete(1, 2), 3);
     EXPECT_EQ(text, "ade");
     EXPECT_EQ(text.Delete(2, 10), 2);
-    EXPECT_EQ(text.Delete(5), 2);
     EXPECT_EQ(text, "ad");
 
     CString padded("  \t x y \n ");
@@ -91,36 +71,21 @@ TEST(StringTest, EditingOperations) {
     CString allBlank("   ");
     allBlank.TrimRight();
     EXPECT_TRUE(allBlank.IsEmpty());
-
-    CString mixed("MiXeD 1");
-    mixed.MakeUpper();
-    EXPECT_EQ(mixed, "MIXED 1");
-    mixed.MakeLower();
-    EXPECT_EQ(mixed, "mixed 1");
 }
 
-TEST(StringTest, ComparisonsAndConcatenation) {
+TEST(StringTest, ComparisonsBytesAndBuffers) {
     const CString a("Apple");
     EXPECT_LT(a.Compare("apple"), 0);
     EXPECT_EQ(a.CompareNoCase("aPPLE"), 0);
     EXPECT_GT(a.CompareNoCase("APP"), 0);
-    EXPECT_TRUE(a == "Apple");
-    EXPECT_TRUE("Apple" == a);
-    EXPECT_TRUE(a != CString("apple"));
-    EXPECT_TRUE(CString("a") < CString("b"));
-    EXPECT_EQ(a + "!" + CString("?") + '.', "Apple!?.");
-    EXPECT_EQ('<' + a, "<Apple");
-    CString grown;
-    grown += "x";
-    grown += CString("y");
-    grown += 'z';
-    EXPECT_EQ(grown, "xyz");
-}
+    EXPECT_EQ('<' + a + "!" + '.', "<Apple!.");
+    EXPECT_TRUE(CString(static_cast<const char*>(nullptr)).IsEmpty());
+    CString bytes("a\xff\x01", 3);
+    EXPECT_EQ(bytes.GetLength(), 3);
+    EXPECT_EQ(static_cast<unsigned char>(bytes[1]), 0xff);
 
-TEST(StringTest, BufferAccess) {
     CString text;
-    char* buffer = text.GetBuffer(10);
-    std::snprintf(buffer, 11, "%s", "abc");
+    std::snprintf(text.GetBuffer(10), 11, "%s", "abc");
     text.ReleaseBuffer();
     EXPECT_EQ(text, "abc");
     text.GetBuffer(10);

@@ -10,6 +10,14 @@
 
 namespace quillon::testing {
 
+// The whole file's bytes ("" when it cannot be read).
+inline std::string ReadBytes(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
 // A file in a fresh temporary folder, removed with the folder when the object goes.
 class TempFile {
 public:
@@ -40,12 +48,7 @@ public:
         out << bytes;
     }
     // Reads the whole file's bytes.
-    std::string Read() const {
-        std::ifstream in(m_path, std::ios::binary);
-        std::ostringstream bytes;
-        bytes << in.rdbuf();
-        return bytes.str();
-    }
+    std::string Read() const { return ReadBytes(m_path); }
 
 private:
     std::filesystem::path m_folder;
