@@ -14,7 +14,10 @@ QUILLON_IMPLEMENT_DYNAMIC(CStdioFile, CFile)
 
 namespace {
 
-// The size of one read from the stream.
+// The sizes of the reads from the stream: the first read is small, so that the many small files
+// (settings, lists, short reports) take small buffers; each read that fills its block doubles the
+// next, up to the block that long reports are read in.
+constexpr size_t kFirstReadBlockSize = size_t{64} << 10;
 constexpr size_t kReadBlockSize = size_t{1} << 20;
 
 // Where the next line feed is, or null. Most report lines are short: a plain scan of their first
@@ -141,10 +144,12 @@ bool CStdioFile::FillReadBuffer() {
         m_readEnd -= m_readStart;
         m_readStart = 0;
     }
-    if (m_readCapacity - m_readEnd < kReadBlockSize) {
+    if (m_readBlockSize == 0)
+        m_readBlockSize = kFirstReadBlockSize;
+    if (m_readCapacity - m_readEnd < m_readBlockSize) {
         // A line longer than the buffer grows it by half again, so a long line costs linear time.
         const size_t capacity =
-            std::max(m_readCapacity + m_readCapacity / 2, m_readEnd + kReadBlockSize);
+            std::max(m_readCapacity + m_readCapacity / 2, m_readEnd + m_readBlockSize);
         char* grown = static_cast<char*>(std::realloc(m_readBuffer, capacity));
         if (grown == nullptr)
             ThrowError("read", ENOMEM);
@@ -156,6 +161,8 @@ bool CStdioFile::FillReadBuffer() {
     if (read == 0 && std::ferror(m_pStream))
         ThrowError("read", errno != 0 ? errno : EIO);
     m_readEnd += read;
+    if (read >= m_readBlockSize)
+        m_readBlockSize = std::min(m_readBlockSize * 2, kReadBlockSize);
     return read > 0;
 }
 

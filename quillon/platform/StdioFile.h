@@ -89,6 +89,8 @@ private:
     // The read buffer: bytes [m_readStart, m_readEnd) are read from the stream but not yet taken.
     char* m_readBuffer = nullptr;
     size_t m_readCapacity = 0;
+    // The size of the next read from the stream (0 before the first).
+    size_t m_readBlockSize = 0;
     size_t m_readStart = 0;
     size_t m_readEnd = 0;
 };
