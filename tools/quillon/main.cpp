@@ -33,6 +33,10 @@ int main(int argc, char** argv) {
             std::cerr << "quillon: " << text.str() << "\n";
         return kMessageOk;
     };
+    // Molfiles are extracted only by the molfiles subcommand, into the folder it is given. Every
+    // other subcommand points the library at a folder that can hold no molfile list, so that a
+    // "Molfiles.list" in the current folder is neither added to nor joined by .mol files.
+    hooks.molfileDirectory = [] { return CString("/dev/null/"); };
     SetHostHooks(hooks);
 
     try {

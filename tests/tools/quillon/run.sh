@@ -73,6 +73,11 @@ assert len(rows) == 6 and [r["file"] for r in rows] == listed
 assert all(r["dimensions"] == 2 and r["name"] == "Chlorpromazine" for r in rows)
 assert all(os.path.getsize(path) > 100 for path in listed)
 PY
+# Other subcommands extract nothing, even run in a folder that holds a molfile list.
+(cd "$work/structures" && : >Molfiles.list && rm -f ./*.mol && "$quillon" info "$example" >/dev/null) ||
+    fail "info in a folder with a molfile list"
+[ -s "$work/structures/Molfiles.list" ] || [ -n "$(ls "$work/structures"/*.mol 2>/dev/null)" ] &&
+    fail "info extracted molfiles into the current folder"
 expect 0 "$quillon" export "$example" -o "$work/model.json"
 python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert len(d['samples'])==6 and d['trace_points'] and d['metabolites']" "$work/model.json" || fail "export JSON"
 expect 0 "$quillon" export "$example" --format csv -o "$work/tables"
