@@ -131,42 +131,53 @@ bool IsSampleSection(std::string_view name) {
 // True when a section that the writer rewrites is not read where the writer writes it, so that
 // the first save does not read back into the same model. The writer replaces such a section at
 // its header, with its block; the reader, following the nesting of blocks, may read it otherwise:
-// - a rewritten header followed, past empty and comment lines, by a line that neither opens a
-//   block nor starts a sample: its reader takes those lines as its own, up to the block after them;
+// - a rewritten header, or the header of a section nested in a rewritten block, followed past
+//   empty and comment lines by a line that does not open a block: its reader takes the lines up
+//   to the next block as its own (a sample's header among them), and the rewritten section's
+//   reader ends elsewhere than its block;
 // - a rewritten header right after the header of another section that has no block of its own:
 //   that section's reader takes the rewritten section's block as its own;
 // - a rewritten header that stands neither right inside a sample's block nor right after a
 //   sample's header: the top level passes it over, and a block that no reader knows is skipped
 //   whole.
 bool RewrittenSectionReadElsewhere(std::string_view text) {
+    enum class Section { None, Sample, Rewritten, Other };
     fuzz::MemoryFile file(text);
     CDelimitFile lines(file.Stream());
     CString line;
     std::string_view name;
-    // For each open block: whether a sample's header opened it.
-    std::vector<bool> sampleBlocks;
-    bool afterRewrittenHeader = false;
-    bool afterOtherHeader = false;
-    bool afterSampleHeader = false;
+    // The section whose header opened each open block, and how many of them are rewritten.
+    std::vector<Section> blocks;
+    int rewrittenBlocks = 0;
+    // The section of the previous line when it was a header; whether that header needs a block.
+    Section previous = Section::None;
+    bool needsBlock = false;
     while (lines.ReadString(line)) {
         const int type = lines.ClassifyLine(line.view(), &name);
         if (type == RECORD_EMPTY || type == RECORD_COMMENT)
             continue;
-        const bool header = type == RECORD_PARAGRAPH;
-        if (afterRewrittenHeader && type != RECORD_BLOCK_START &&
-            !(header && IsSampleSection(name)))
+        if (needsBlock && type != RECORD_BLOCK_START)
             return true;
-        const bool inSampleBlock = !sampleBlocks.empty() && sampleBlocks.back();
-        if (header && IsRewrittenSection(name) &&
-            (afterOtherHeader || !(inSampleBlock || afterSampleHeader)))
+        Section section = Section::None;
+        if (type == RECORD_PARAGRAPH) {
+            section = IsSampleSection(name)      ? Section::Sample
+                      : IsRewrittenSection(name) ? Section::Rewritten
+                                                 : Section::Other;
+        }
+        const bool inSampleBlock = !blocks.empty() && blocks.back() == Section::Sample;
+        if (section == Section::Rewritten &&
+            (previous == Section::Other || !(inSampleBlock || previous == Section::Sample)))
             return true;
-        if (type == RECORD_BLOCK_START)
-            sampleBlocks.push_back(afterSampleHeader);
-        else if (type == RECORD_BLOCK_END && !sampleBlocks.empty())
-            sampleBlocks.pop_back();
-        afterRewrittenHeader = header && IsRewrittenSection(name);
-        afterSampleHeader = header && IsSampleSection(name);
-        afterOtherHeader = header && !afterRewrittenHeader && !afterSampleHeader;
+        if (type == RECORD_BLOCK_START) {
+            blocks.push_back(previous);
+            rewrittenBlocks += previous == Section::Rewritten ? 1 : 0;
+        } else if (type == RECORD_BLOCK_END && !blocks.empty()) {
+            rewrittenBlocks -= blocks.back() == Section::Rewritten ? 1 : 0;
+            blocks.pop_back();
+        }
+        needsBlock =
+            section == Section::Rewritten || (section != Section::None && rewrittenBlocks > 0);
+        previous = section;
     }
     return false;
 }
