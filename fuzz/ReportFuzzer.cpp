@@ -8,6 +8,7 @@
 
 #include "support/ModelDump.h"
 
+#include <algorithm>
 #include <string>
 
 using namespace quillon;
@@ -123,15 +124,27 @@ bool IsRewrittenSection(std::string_view name) {
            name == "ELEMENTAL" || name == "MSMS CORRELATION";
 }
 
+// The place of a metabolite section among a sample's metabolite sections, in the order the
+// metabolites stand in memory (expected, unexpected with their elemental results, MS/MS); 0 for
+// any other section.
+int MetaboliteSectionRank(std::string_view name) {
+    if (name == "EXPECTED METABOLITES")
+        return 1;
+    if (name == "UNEXPECTED METABOLITES" || name == "ELEMENTAL")
+        return 2;
+    return name == "MSMS CORRELATION" ? 3 : 0;
+}
+
 // True when the text nests its sections as the writer expects, so that every section the writer
 // rewrites is read where the writer writes it: each section header is followed, past empty and
 // comment lines, by the block it opens, and every block by its header; samples stand at the top
 // level and nothing else does; the rewritten sections stand right inside a sample's block; every
-// block closes; and no sample has its MS/MS correlation section before an MS metabolite section.
-// Otherwise the reader may read a rewritten section elsewhere than the writer writes it (a section
-// without a block takes the lines after it, up to the next block, as its own; the top level and
-// unknown blocks pass sections over), or, for MS/MS rows read before the MS metabolites, store
-// them at other entries than it writes them. Saving such a text changes the model once or more.
+// block closes; and each sample's metabolite sections come in the order of its metabolites in
+// memory (see MetaboliteSectionRank). Otherwise the reader may read a rewritten section elsewhere
+// than the writer writes it (a section without a block takes the lines after it, up to the next
+// block, as its own; the top level and unknown blocks pass sections over), or, for rows read
+// before those of an earlier group, store them at other places than it writes them from. Saving
+// such a text changes the model once or more.
 bool WellNested(std::string_view text) {
     fuzz::MemoryFile file(text);
     CDelimitFile lines(file.Stream());
@@ -139,7 +152,7 @@ bool WellNested(std::string_view text) {
     std::string_view name;
     int depth = 0;
     bool afterHeader = false;
-    bool msmsSeen = false;
+    int highestRank = 0;
     while (lines.ReadString(line)) {
         const int type = lines.ClassifyLine(line.view(), &name);
         if (type == RECORD_EMPTY || type == RECORD_COMMENT)
@@ -157,12 +170,11 @@ bool WellNested(std::string_view text) {
             if (sample != (depth == 0) || (IsRewrittenSection(name) && depth != 1))
                 return false;
             if (name == "SAMPLE")
-                msmsSeen = false;
-            else if (name == "MSMS CORRELATION")
-                msmsSeen = true;
-            else if (msmsSeen &&
-                     (name == "EXPECTED METABOLITES" || name == "UNEXPECTED METABOLITES"))
+                highestRank = 0;
+            const int rank = MetaboliteSectionRank(name);
+            if (rank > 0 && rank < highestRank)
                 return false;
+            highestRank = std::max(highestRank, rank);
         } else if (depth == 0) {
             return false;
         }
