@@ -1,5 +1,6 @@
 #include <quillon/acquisition/ChromatoData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -9,19 +10,11 @@
 #include <vector>
 
 using namespace quillon;
+using quillon::testing::Points;
+using quillon::testing::PointsOf;
 using quillon::testing::ReadBlock;
 
 namespace {
-
-using Points = std::vector<std::pair<double, double>>;
-
-Points PointsOf(const CChromatoData& trace) {
-    Points points;
-    CPeakData point;
-    for (int i = 0; trace.GetPeak(i, point); ++i)
-        points.emplace_back(point.GetMass(), point.GetIntensity());
-    return points;
-}
 
 // A trace with the given times and intensities.
 CChromatoData TraceOf(const std::vector<float>& times, const std::vector<float>& intensities) {

@@ -1,5 +1,6 @@
 #include <quillon/acquisition/SpectrumData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -13,19 +14,11 @@
 #include <vector>
 
 using namespace quillon;
+using quillon::testing::Points;
+using quillon::testing::PointsOf;
 using quillon::testing::ReadBlock;
 
 namespace {
-
-using Points = std::vector<std::pair<double, double>>;
-
-Points PointsOf(const CSpectrumData& spectrum) {
-    Points points;
-    CPeakData point;
-    for (int i = 0; spectrum.GetPeak(i, point); ++i)
-        points.emplace_back(point.GetMass(), point.GetIntensity());
-    return points;
-}
 
 CSpectrumData SpectrumOf(const std::vector<float>& masses, const std::vector<float>& intensities) {
     CSpectrumData spectrum;
