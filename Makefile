@@ -1,7 +1,7 @@
 # Entry points for people and CI. Everything goes through the CMake presets.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build test sanitize fuzz fuzz-ci format-check bench demo clean
+.PHONY: all deps build test sanitize fuzz fuzz-long fuzz-ci format-check bench demo clean
 
 all: build
 
@@ -26,10 +26,21 @@ sanitize: deps
 # both sanitizers (Clang, libFuzzer).
 FUZZ_SECONDS ?= 60
 FUZZ_JOBS ?= 1
+FUZZ_RUNS ?= 10000000
 fuzz: deps
 	cmake --preset fuzz
 	cmake --build --preset fuzz -j $(JOBS)
 	FUZZ_SECONDS=$(FUZZ_SECONDS) FUZZ_JOBS=$(FUZZ_JOBS) bash scripts/run-fuzzers.sh
+
+# A long run: every fuzz target of an optimised build without sanitizers for FUZZ_RUNS inputs
+# (default 10 million) each, FUZZ_JOBS at a time; then every input each kept is replayed under
+# both sanitizers.
+fuzz-long: deps
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	cmake --preset fuzz-long
+	cmake --build --preset fuzz-long -j $(JOBS)
+	FUZZ_LONG=1 FUZZ_RUNS=$(FUZZ_RUNS) FUZZ_JOBS=$(FUZZ_JOBS) bash scripts/run-fuzzers.sh
 
 # Every fuzz target for the fixed number of inputs fuzz/ci-runs gives it (about 20 s each), with a
 # fixed seed, from its seeds and regressions only: the same result on every run, for CI.

@@ -11,6 +11,12 @@
 # inputs fuzz/ci-runs gives it (about 20 s each on a developer machine), from its seeds and
 # regressions alone (its new inputs go to a scratch folder emptied first), so that a run either
 # always finds a fault or never does.
+#
+# FUZZ_LONG=1 is for long runs: each target of the "fuzz-long" build (libFuzzer alone, optimised,
+# several times faster) runs for FUZZ_RUNS inputs (default 10 million), with the plain scheduling of
+# inputs (-entropic=0, far cheaper with many features), from build/fuzz-long/corpus/<name>/; then
+# every input it kept is replayed under both sanitizers by the "fuzz" build, so that a memory
+# error on any path it found still shows.
 # Usage: scripts/run-fuzzers.sh [target name ...]   (all targets when none is named)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,7 +25,13 @@ seconds=${FUZZ_SECONDS:-60}
 jobs=${FUZZ_JOBS:-1}
 runs=${FUZZ_RUNS:-}
 ci=${FUZZ_CI:-0}
+long=${FUZZ_LONG:-0}
 build=build/fuzz
+sanitized=build/fuzz
+if [ "$long" = 1 ]; then
+    build=build/fuzz-long
+    runs=${runs:-10000000}
+fi
 
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
@@ -28,7 +40,8 @@ if [ ${#targets[@]} -eq 0 ]; then
     done
 fi
 if [ ${#targets[@]} -eq 0 ]; then
-    echo "No fuzz targets in $build: run 'cmake --preset fuzz && cmake --build --preset fuzz' first." >&2
+    preset=$(basename "$build")
+    echo "No fuzz targets in $build: run 'cmake --preset $preset && cmake --build --preset $preset' first." >&2
     exit 1
 fi
 
@@ -54,6 +67,8 @@ run_target() {
         corpus="$build/ci-corpus/$name"
         rm -rf "$corpus"
         options+=(-seed=1 -runs="$(ci_runs "$name")")
+    elif [ "$long" = 1 ]; then
+        options+=(-runs="$runs" -entropic=0)
     else
         options+=(-max_total_time="$seconds")
         [ -n "$runs" ] && options+=(-runs="$runs")
@@ -72,6 +87,11 @@ run_target() {
     ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
         "$build/fuzz/quillon_fuzz_$name" "${options[@]}" \
         "$corpus" "fuzz/corpus/$name" "fuzz/regressions/$name" >"$build/$name.log" 2>&1 || status=$?
+    if [ "$long" = 1 ] && [ "$status" = 0 ]; then
+        ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+            "$sanitized/fuzz/quillon_fuzz_$name" -runs=0 -timeout=25 -rss_limit_mb=2048 \
+            -artifact_prefix="$artifacts" "$corpus" >>"$build/$name.log" 2>&1 || status=$?
+    fi
     echo "$status" >"$build/$name.status"
 }
 
@@ -80,6 +100,8 @@ if [ "$ci" = 1 ]; then
         ci_runs "$name" >/dev/null
     done
     echo "Fuzzing ${targets[*]}: the inputs of fuzz/ci-runs with seed 1, ${jobs} at a time"
+elif [ "$long" = 1 ]; then
+    echo "Fuzzing ${targets[*]}: $runs inputs each, ${jobs} at a time, then their corpora under the sanitizers"
 else
     echo "Fuzzing ${targets[*]}: ${seconds} s each${runs:+ or $runs inputs}, ${jobs} at a time"
 fi

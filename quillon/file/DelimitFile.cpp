@@ -51,6 +51,8 @@ int CDelimitFile::SetDelimiters(const char* delimiters) {
 int CDelimitFile::SplitInto(std::string_view line, CStringArray& fields, int firstIndex) const {
     int slot = firstIndex;
     const auto store = [&](std::string_view field) {
+        // A field's text ends at a NUL byte, as every text written back ends there.
+        field = field.substr(0, field.find('\0'));
         if (slot < fields.GetSize())
             fields[slot].str().assign(field);
         else

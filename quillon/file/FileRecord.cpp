@@ -38,6 +38,14 @@ int CFileRecord::ParseParagraph(const CString& name, int& id) const {
     return Lookup(m_paragraphNames, name, id);
 }
 
+bool CFileRecord::CountBlockLine(int type) {
+    if (type == RECORD_BLOCK_START)
+        ++m_depth;
+    else if (m_depth > 0)
+        return --m_depth == 0;
+    return false;
+}
+
 int CFileRecord::Read(CDelimitFile* file) {
     if (file == nullptr)
         return 0;
@@ -55,10 +63,8 @@ int CFileRecord::Read(CDelimitFile* file) {
                 return 1;
             break;
         case RECORD_BLOCK_START:
-            ++m_depth;
-            break;
         case RECORD_BLOCK_END:
-            if (m_depth > 0 && --m_depth == 0)
+            if (CountBlockLine(m_type))
                 return 0;
             break;
         default: // comments and empty lines
@@ -84,10 +90,8 @@ bool CFileRecord::ReadNumberPair(CDelimitFile* file, double& first, double& seco
             }
             break;
         case RECORD_BLOCK_START:
-            ++m_depth;
-            break;
         case RECORD_BLOCK_END:
-            if (m_depth > 0 && --m_depth == 0)
+            if (CountBlockLine(type))
                 return false;
             break;
         default: // section headers, comments and empty lines

@@ -90,6 +90,9 @@ private:
     // Reads on to the next field line of this record's block with two fields or more and parses
     // them; false at the end of the block or of the file.
     bool ReadNumberPair(CDelimitFile* file, double& first, double& second);
+    // Counts a block line of the given type: "{" goes one level deeper, "}" one back (never below
+    // the record's own level). True when it is the "}" that closes the record's own block.
+    bool CountBlockLine(int type);
 
     NameMap m_fieldNames;
     NameMap m_paragraphNames;

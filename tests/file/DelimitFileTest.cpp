@@ -76,6 +76,10 @@ TEST(DelimitFileTest, SplittingRules) {
     EXPECT_EQ(file.ParseDelimitedString("a\tb", fields), 2);
     EXPECT_EQ(file.ParseDelimitedString("c", fields), 3);
     EXPECT_EQ(fields[2], "c");
+    // A field ends at a NUL byte: text after it is dropped, as it would be when written back.
+    EXPECT_EQ(file.ParseDelimitedString(CString(std::string_view("d\0e\t\0f", 6)), fields), 5);
+    EXPECT_EQ(fields[3], "d");
+    EXPECT_EQ(fields[4], "");
 
     // A line of a million delimiters costs a bounded number of fields: the rest stays whole.
     const std::string tabs(1'000'000, '\t');
