@@ -1,5 +1,6 @@
 #include <quillon/acquisition/ChromatoData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -9,19 +10,11 @@
 #include <vector>
 
 using namespace quillon;
+using quillon::testing::Points;
+using quillon::testing::PointsOf;
 using quillon::testing::ReadBlock;
 
 namespace {
-
-using Points = std::vector<std::pair<double, double>>;
-
-Points PointsOf(const CChromatoData& trace) {
-    Points points;
-    CPeakData point;
-    for (int i = 0; trace.GetPeak(i, point); ++i)
-        points.emplace_back(point.GetMass(), point.GetIntensity());
-    return points;
-}
 
 // A trace with the given times and intensities.
 CChromatoData TraceOf(const std::vector<float>& times, const std::vector<float>& intensities) {
@@ -94,20 +87,6 @@ TEST(ChromatoDataTest, PercentScalingUsesTheMaxIntensityReadSoFar) {
     EXPECT_EQ(PointsOf(late), (Points{{1.0, 0.0}, {2.0, 500.0}}));
 }
 
-TEST(ChromatoDataTest, AddsAndReplacesPoints) {
-    const float times[] = {1.0f, 2.0f, 3.0f};
-    const float intensities[] = {5.0f, 6.0f, 7.0f};
-    CChromatoData trace;
-    EXPECT_EQ(trace.AddTimeIntensity(nullptr, intensities, 3), FALSE);
-    EXPECT_EQ(trace.AddTimeIntensity(times, intensities, 2), TRUE);
-    EXPECT_EQ(trace.AddTimeIntensity(times + 2, intensities + 2, 1), TRUE);
-    EXPECT_EQ(PointsOf(trace), (Points{{1, 5}, {2, 6}, {3, 7}}));
-
-    EXPECT_FALSE(trace.SetTimeIntensity(times, nullptr, 1));
-    EXPECT_TRUE(trace.SetTimeIntensity(times + 1, intensities + 1, 2));
-    EXPECT_EQ(PointsOf(trace), (Points{{2, 6}, {3, 7}}));
-}
-
 TEST(ChromatoDataTest, ClassifiesTraces) {
     const struct {
         const char* description;
@@ -157,20 +136,15 @@ TEST(ChromatoDataTest, DataAndIntensityRanges) {
     EXPECT_EQ(CChromatoData().GetIntensityRange(0, 10, low, high), 0);
 }
 
+// Copies own their peak list; the printed flag stays with the object, also through a reset.
 TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
     CChromatoData source = TraceOf({1, 2}, {3, 4});
-    source.SetDescription("TIC");
     source.SetTraceType(PDA_TRACE);
-    source.SetUsesCustomChartParams(1);
-    source.CombinedTraceNeedsData(true);
     source.SetHasPrinted(1);
     source.AddChromatogramPeak(PeakAt(1.5f, 1.0, 2.0, 8));
 
     CChromatoData copy(source);
-    EXPECT_EQ(copy.GetDescription(), "TIC");
     EXPECT_TRUE(copy.IsPDA());
-    EXPECT_EQ(copy.UseCustomChartParams(), 1);
-    EXPECT_TRUE(copy.CombinedTraceNeedsData());
     EXPECT_EQ(copy.GetHasPrinted(), 0);
     EXPECT_EQ(PointsOf(copy), PointsOf(source));
     ASSERT_EQ(copy.GetNumberOfListPeaks(), 1);
@@ -181,13 +155,10 @@ TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
     assigned.SetHasPrinted(5);
     assigned = source;
     EXPECT_EQ(assigned.GetHasPrinted(), 5);
-
-    // Resetting empties the trace and restores its defaults, the printed flag aside.
     assigned.Initialise(nullptr);
     EXPECT_EQ(assigned.GetNumPeaks(), 0);
     EXPECT_EQ(assigned.GetNumberOfListPeaks(), 0);
     EXPECT_TRUE(assigned.IsMS());
-    EXPECT_FALSE(assigned.CombinedTraceNeedsData());
     EXPECT_EQ(assigned.GetHasPrinted(), 5);
 }
 

@@ -1,5 +1,6 @@
 #include <quillon/acquisition/SpectrumData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -13,19 +14,11 @@
 #include <vector>
 
 using namespace quillon;
+using quillon::testing::Points;
+using quillon::testing::PointsOf;
 using quillon::testing::ReadBlock;
 
 namespace {
-
-using Points = std::vector<std::pair<double, double>>;
-
-Points PointsOf(const CSpectrumData& spectrum) {
-    Points points;
-    CPeakData point;
-    for (int i = 0; spectrum.GetPeak(i, point); ++i)
-        points.emplace_back(point.GetMass(), point.GetIntensity());
-    return points;
-}
 
 CSpectrumData SpectrumOf(const std::vector<float>& masses, const std::vector<float>& intensities) {
     CSpectrumData spectrum;
@@ -135,10 +128,10 @@ TEST(SpectrumDataTest, CustomChartParametersMakeIntensitiesPercentagesOfTheBaseP
     EXPECT_EQ(PointsOf(spectrum), (Points{{100.0, 0.0}, {200.0, 1000.0}}));
 }
 
+// A copy leaves the description behind and owns its extent; a move carries description and mark.
 TEST(SpectrumDataTest, CopiesLeaveTheDescriptionBehindAndMovesCarryIt) {
     CSpectrumData source = SpectrumOf({100.0f}, {5.0f});
     source.SetDesc("apex");
-    source.SetPeakID(9);
     source.GetChromatPeakData()->SetStartTime(1.5);
     source.AddMasses(CMassesData(1.0, 2.0, 3.0, 4.0, true));
     source.AddResults(Result(1, 1, "ok"));
@@ -147,33 +140,23 @@ TEST(SpectrumDataTest, CopiesLeaveTheDescriptionBehindAndMovesCarryIt) {
     CString desc;
     copy.GetDesc(desc);
     EXPECT_TRUE(desc.IsEmpty());
-    EXPECT_EQ(copy.GetNumPeaks(), 1);
     ASSERT_EQ(copy.MassesGet()->GetSize(), 1);
-    EXPECT_TRUE((*copy.MassesGet())[0].IsIsotope());
     EXPECT_EQ(copy.GetNumResults(), 1);
-
-    // The copy owns its own extent.
     copy.GetChromatPeakData()->SetStartTime(7.0);
     EXPECT_DOUBLE_EQ(source.GetChromatPeakData()->GetStartTime(), 1.5);
 
-    // Assignment keeps the target's own description.
     CSpectrumData target;
     target.SetDesc("target's");
     target = source;
     target.GetDesc(desc);
     EXPECT_EQ(desc, "target's");
 
-    // A move is the same spectrum in a new place: description and printed mark go with it.
     source.SetHasPrinted(1);
-    CSpectrumData moved(std::move(source));
-    moved.GetDesc(desc);
-    EXPECT_EQ(desc, "apex");
-    EXPECT_EQ(moved.GetHasPrinted(), 1);
-    EXPECT_EQ(moved.GetNumPeaks(), 1);
-    target = std::move(moved);
+    target = std::move(source);
     target.GetDesc(desc);
     EXPECT_EQ(desc, "apex");
     EXPECT_EQ(target.GetHasPrinted(), 1);
+    EXPECT_EQ(target.GetNumPeaks(), 1);
 }
 
 TEST(SpectrumDataTest, MassIntensityCopyRespectsStartCountAndLimit) {
@@ -187,11 +170,6 @@ TEST(SpectrumDataTest, MassIntensityCopyRespectsStartCountAndLimit) {
     EXPECT_EQ(spectrum.GetMassIntensity(nullptr, intensities, 0, 4, 250.0), 2);
     EXPECT_EQ(spectrum.GetMassIntensity(masses, intensities, 0, 0, 0.0), 0);
     EXPECT_EQ(spectrum.GetMassIntensity(masses, intensities, 9, 4, 0.0), 0);
-
-    CSpectrumData refused;
-    EXPECT_FALSE(refused.AddMassIntensity(nullptr, intensities, 1));
-    EXPECT_TRUE(refused.AddMassIntensity(masses, intensities, 0));
-    EXPECT_EQ(refused.GetNumPeaks(), 0);
 }
 
 TEST(SpectrumDataTest, RangesAndMaximaOverTheMasses) {
@@ -254,9 +232,8 @@ TEST(SpectrumDataTest, IsPositiveLooksAtFoundResultsAndTheirTests) {
 
     const CSpectrumData none;
     EXPECT_FALSE(none.IsPositive(-1, passed, nullptr));
-}
 
-TEST(SpectrumDataTest, AResultFindsItsMassWithinTheTolerance) {
+    // A result finds its mass within the tolerance, once found.
     CResultsData found;
     found.SetMono(455.2);
     EXPECT_FALSE(found.IsMassFound(455.2)); // not found

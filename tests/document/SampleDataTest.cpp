@@ -156,13 +156,3 @@ TEST(SampleDataTest, ReadsItsSectionsAndSkipsOthersWithTheirBlocks) {
     EXPECT_EQ(Values(*sample.GetMDFMasses()), (std::vector<double>{151.0633, 0.0, 300.5}));
     EXPECT_EQ(Values(*sample.GetMDFParams()), (std::vector<double>{-0.05, 0.04}));
 }
-
-TEST(SampleDataTest, AnAppendedSectionAddsToTheSample) {
-    CSampleData sample;
-    ReadBlock(sample, "{\nSample\t3\nWarning\tw1\n[COMPOUND]\n{\n100\n}\n}\n");
-    ReadBlock(sample, "{\nSampleID\tlate\nWarning\tw2\n[COMPOUND]\n{\n200\n}\n}\n");
-    EXPECT_EQ(sample.GetNumber(), 3);
-    EXPECT_EQ(Text(sample, &CSampleData::GetID), "late");
-    EXPECT_EQ(Text(sample, &CSampleData::GetProcessingWarning), "w1\nw2");
-    EXPECT_EQ(sample.GetCompoundCount(), 2);
-}

@@ -3,6 +3,7 @@
 #include <quillon/file/DelimitFile.h>
 #include <quillon/platform/FileException.h>
 
+#include "support/Collect.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
@@ -14,19 +15,13 @@
 #include <vector>
 
 using namespace quillon;
+using quillon::testing::SampleNumbers;
 using quillon::testing::TempFile;
 
 namespace {
 
 std::string Sample(int number, const std::string& header = "[SAMPLE]") {
     return header + "\n{\nSample\t" + std::to_string(number) + "\n}\n";
-}
-
-std::vector<int> Numbers(CSamples& samples) {
-    std::vector<int> numbers;
-    for (int i = 0; i < samples.GetSamplesCount(); ++i)
-        numbers.push_back(samples.GetSample(i)->GetNumber());
-    return numbers;
 }
 
 } // namespace
@@ -38,7 +33,7 @@ TEST(SamplesSafeReading, ReaderAndWriterAgreeOnSampleHeaders) {
     input.Write(Sample(1) + Sample(2, "[SAMPLE] ") + Sample(3, "[SAMPLE]\tnote"));
     CSamples samples;
     ASSERT_EQ(samples.Read(input.c_str()), 1);
-    ASSERT_EQ(Numbers(samples), (std::vector<int>{1, 2, 3}));
+    ASSERT_EQ(SampleNumbers(samples), (std::vector<int>{1, 2, 3}));
     samples.GetSample(1)->IsDuplicate(true);
     TempFile output("out.txt");
     {
@@ -46,10 +41,10 @@ TEST(SamplesSafeReading, ReaderAndWriterAgreeOnSampleHeaders) {
         CDelimitFile out(output.c_str(), CFile::modeWrite | CFile::modeCreate);
         ASSERT_EQ(samples.Write(&in, &out), 1);
     }
-    EXPECT_EQ(Numbers(samples), (std::vector<int>{1, 3}));
+    EXPECT_EQ(SampleNumbers(samples), (std::vector<int>{1, 3}));
     CSamples written;
     ASSERT_EQ(written.Read(output.c_str()), 1);
-    EXPECT_EQ(Numbers(written), (std::vector<int>{1, 3}));
+    EXPECT_EQ(SampleNumbers(written), (std::vector<int>{1, 3}));
 }
 
 // Only regular files are read: a pipe without a writer, a device or a folder fail at once with

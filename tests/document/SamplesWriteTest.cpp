@@ -40,6 +40,15 @@ std::string ReadAndWrite(CSamples& samples, const std::string& inPath, const std
     return quillon::testing::ReadBytes(outPath);
 }
 
+// Writes the text to "in.txt", reads it into samples, lets prepare edit them, and returns the
+// text written from it to "out.txt" beside it.
+template <class Prepare>
+std::string CopyReport(CSamples& samples, const std::string& text, Prepare prepare) {
+    TempFile input("in.txt");
+    input.Write(text);
+    return ReadAndWrite(samples, input.Path(), (input.Folder() / "out.txt").string(), prepare);
+}
+
 const std::string kReport = ";Report of batch 7\n"
                             "\n"
                             "[SAMPLE]\n"
@@ -72,19 +81,15 @@ const std::string kReport = ";Report of batch 7\n"
 } // namespace
 
 TEST(SamplesWriteTest, DuplicateSamplesAreDroppedFromFileAndMemory) {
-    TempFile input("in.txt");
-    input.Write(kReport);
-    const std::string outPath = (input.Folder() / "out.txt").string();
     CSamples samples;
-    const std::string written =
-        ReadAndWrite(samples, input.Path(), outPath, [](CSamples& collection) {
-            // Held as 3, 5, 7; the 5 is the first sample of the file.
-            collection.GetSample(1)->IsDuplicate(true);
-            collection.GetSample(0)->SetType("Control");
-            collection.GetSample(0)->Empty(); // no reference mass: every later sample is linked
-            collection.SetControlSamples();
-            ASSERT_EQ(collection.GetSample(2)->GetControlSample(), collection.GetSample(0));
-        });
+    const std::string written = CopyReport(samples, kReport, [](CSamples& collection) {
+        // Held as 3, 5, 7; the 5 is the first sample of the file.
+        collection.GetSample(1)->IsDuplicate(true);
+        collection.GetSample(0)->SetType("Control");
+        collection.GetSample(0)->Empty(); // no reference mass: every later sample is linked
+        collection.SetControlSamples();
+        ASSERT_EQ(collection.GetSample(2)->GetControlSample(), collection.GetSample(0));
+    });
 
     const std::vector<std::string> lines = Lines(written);
     const std::vector<std::string> expected = {";Report of batch 7",
@@ -169,11 +174,8 @@ TEST(SamplesWriteTest, MolfileListIsCopiedWithItsParentNameRewritten) {
                                "Reference\tin.txt_Parent\n"
                                "}\n"
                                "}\n";
-    TempFile input("in.txt");
-    input.Write(report);
-    const std::string outPath = (input.Folder() / "out.txt").string();
     CSamples samples;
-    const std::string written = ReadAndWrite(samples, input.Path(), outPath, [](CSamples&) {});
+    const std::string written = CopyReport(samples, report, [](CSamples&) {});
 
     // The list is copied verbatim, empty lines included, up to the first lone "}"; the lines
     // after it are copied as any others.
@@ -205,17 +207,13 @@ TEST(SamplesWriteTest, MolfileListIsCopiedWithItsParentNameRewritten) {
 }
 
 TEST(SamplesWriteTest, SamplesTheCollectionDoesNotHoldAreNotWritten) {
-    TempFile input("in.txt");
-    input.Write(kReport);
-    const std::string outPath = (input.Folder() / "out.txt").string();
     CSamples samples;
-    const std::string written =
-        ReadAndWrite(samples, input.Path(), outPath, [](CSamples& collection) {
-            collection.DeleteAll();
-            CSampleData only;
-            only.SetNumber(5);
-            collection.AddSample(only);
-        });
+    const std::string written = CopyReport(samples, kReport, [](CSamples& collection) {
+        collection.DeleteAll();
+        CSampleData only;
+        only.SetNumber(5);
+        collection.AddSample(only);
+    });
     // At each further "[SAMPLE]" the input skips to the next header, which it consumes; the
     // lines after that are copied again.
     const std::vector<std::string> lines = Lines(written);
@@ -244,23 +242,20 @@ TEST(SamplesWriteTest, SamplesTheCollectionDoesNotHoldAreNotWritten) {
 }
 
 TEST(SamplesWriteTest, SectionsBeforeTheFirstSampleBelongToTheSampleOfEntryMinusOne) {
-    TempFile input("in.txt");
-    input.Write("[NOTE]\nnote line\n" + kReport);
-    const std::string outPath = (input.Folder() / "out.txt").string();
+    const std::string noted = "[NOTE]\nnote line\n" + kReport;
 
     // Normally the first sample (held first, here the 3) stands in for the lines before the
     // first "[SAMPLE]": they are copied.
     CSamples kept;
-    const std::string copied = ReadAndWrite(kept, input.Path(), outPath, [](CSamples&) {});
+    const std::string copied = CopyReport(kept, noted, [](CSamples&) {});
     EXPECT_EQ(copied.rfind("[NOTE]\nnote line\n;Report of batch 7\n", 0), 0u);
 
     // A duplicate whose file entry is -1 claims them: the header and the line after it go.
     CSamples dropped;
-    const std::string written =
-        ReadAndWrite(dropped, input.Path(), outPath, [](CSamples& collection) {
-            collection.GetSample(2)->SetFileEntry(-1);
-            collection.GetSample(2)->IsDuplicate(true);
-        });
+    const std::string written = CopyReport(dropped, noted, [](CSamples& collection) {
+        collection.GetSample(2)->SetFileEntry(-1);
+        collection.GetSample(2)->IsDuplicate(true);
+    });
     EXPECT_EQ(written.rfind(";Report of batch 7\n[SAMPLE]\n", 0), 0u);
     EXPECT_EQ(written.find("note line"), std::string::npos);
     EXPECT_EQ(dropped.GetSamplesCount(), 2);

@@ -36,31 +36,29 @@ using Fields = std::vector<std::string>;
 } // namespace
 
 TEST(DelimitFileTest, ClassifiesTheSixLineKinds) {
-    EXPECT_EQ(Parse("").type, RECORD_EMPTY);
-    EXPECT_EQ(Parse("\t").type, RECORD_FIELD);
-    EXPECT_EQ(Parse("\t").fields, Fields{""});
-    EXPECT_EQ(Parse("\t", 1).type, RECORD_EMPTY);
-
-    Parsed header = Parse("[SAMPLE]\textra");
-    EXPECT_EQ(header.type, RECORD_PARAGRAPH);
-    EXPECT_EQ(header.fields, (Fields{"SAMPLE", "extra"}));
-    EXPECT_EQ(Parse("[SAMPLE] trailing").fields, Fields{"SAMPLE"});
-    EXPECT_EQ(Parse("[]").type, RECORD_PARAGRAPH);
-    EXPECT_EQ(Parse("[]").fields, Fields{""});
-    Parsed unclosed = Parse("[SAMPLE");
-    EXPECT_EQ(unclosed.type, RECORD_FIELD);
-    EXPECT_EQ(unclosed.fields, Fields{"[SAMPLE"});
-    EXPECT_EQ(Parse(" [SAMPLE]").type, RECORD_FIELD); // markers are not trimmed
-
-    Parsed comment = Parse(";[SAMPLE]");
-    EXPECT_EQ(comment.type, RECORD_COMMENT);
-    EXPECT_EQ(comment.fields, Fields{"[SAMPLE]"});
-
-    EXPECT_EQ(Parse("{").type, RECORD_BLOCK_START);
-    EXPECT_EQ(Parse("{").fields, Fields{""});
-    EXPECT_EQ(Parse("{more").fields, Fields{"more"});
-    EXPECT_EQ(Parse("}").type, RECORD_BLOCK_END);
-    EXPECT_EQ(Parse("Sample\t5").type, RECORD_FIELD);
+    const struct {
+        const char* line;
+        int skip;
+        int type;
+        Fields fields;
+    } cases[] = {{"", 0, RECORD_EMPTY, {}},
+                 {"\t", 0, RECORD_FIELD, {""}},
+                 {"\t", 1, RECORD_EMPTY, {}},
+                 {"[SAMPLE]\textra", 0, RECORD_PARAGRAPH, {"SAMPLE", "extra"}},
+                 {"[SAMPLE] trailing", 0, RECORD_PARAGRAPH, {"SAMPLE"}},
+                 {"[]", 0, RECORD_PARAGRAPH, {""}},
+                 {"[SAMPLE", 0, RECORD_FIELD, {"[SAMPLE"}},
+                 {" [SAMPLE]", 0, RECORD_FIELD, {" [SAMPLE]"}}, // markers are not trimmed
+                 {";[SAMPLE]", 0, RECORD_COMMENT, {"[SAMPLE]"}},
+                 {"{", 0, RECORD_BLOCK_START, {""}},
+                 {"{more", 0, RECORD_BLOCK_START, {"more"}},
+                 {"}", 0, RECORD_BLOCK_END, {""}},
+                 {"Sample\t5", 0, RECORD_FIELD, {"Sample", "5"}}};
+    for (const auto& each : cases) {
+        const Parsed parsed = Parse(each.line, each.skip);
+        EXPECT_EQ(parsed.type, each.type) << each.line;
+        EXPECT_EQ(parsed.fields, each.fields) << each.line;
+    }
 }
 
 TEST(DelimitFileTest, SplittingRules) {

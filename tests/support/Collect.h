@@ -1,0 +1,31 @@
+#pragma once
+
+#include <quillon/acquisition/PeakData.h>
+#include <quillon/document/Samples.h>
+
+#include <utility>
+#include <vector>
+
+namespace quillon::testing {
+
+using Points = std::vector<std::pair<double, double>>;
+
+// The (mass or time, intensity) points of a trace or spectrum, in order.
+template <class Data>
+Points PointsOf(const Data& data) {
+    Points points;
+    CPeakData point;
+    for (int i = 0; data.GetPeak(i, point); ++i)
+        points.emplace_back(point.GetMass(), point.GetIntensity());
+    return points;
+}
+
+// The numbers of the collection's samples, in the order it holds them.
+inline std::vector<int> SampleNumbers(CSamples& samples) {
+    std::vector<int> numbers;
+    for (int i = 0; i < samples.GetSamplesCount(); ++i)
+        numbers.push_back(samples.GetSample(i)->GetNumber());
+    return numbers;
+}
+
+} // namespace quillon::testing
