@@ -213,8 +213,8 @@ public:
     // its group. MS/MS rows are placed after the MS metabolites appended so far.
     int AddMSMetabolite(const CMetaboliteData& metabolite);
     // Stores a copy at MS/MS entry `entry` (after the MS metabolites), growing the array with
-    // default records as needed; an entry beyond kMaxMSMSEntryGrowth places of the array is
-    // refused. Returns the array size.
+    // default records as needed; an entry more than kMaxMSMSEntryGap beyond the number of MS/MS
+    // rows stored so far is refused. Returns the array size.
     int AddMSMSMetabolite(int entry, const CMetaboliteData& metabolite);
     // Marks the MS/MS metabolite of that entry as the correlation's parent and stores the entry.
     void SetMSMSParentMetabolite(int entry);
@@ -232,9 +232,12 @@ public:
         m_nInternalStandardEntry = entry;
         m_dInternalStandardArea = area;
     }
-    // How far one MS/MS row may grow the metabolite array beyond its size: a row naming an entry
-    // further out is skipped, so a number in a file cannot make the array grow without bound.
-    static constexpr int kMaxMSMSEntryGrowth = 100000;
+    // How far an MS/MS entry may lie beyond the MS/MS rows stored so far, and a correlation entry
+    // beyond a metabolite's correlation entries: a row naming an entry further out is skipped.
+    // Gaps are filled with default records (or empty texts), so each row read adds at most this
+    // many of them: what a file makes the reader allocate grows with its lines, not its numbers.
+    // (Rows 3, 0, 1, 2 in that order are all stored; a first row of entry 100000 is not.)
+    static constexpr int kMaxMSMSEntryGap = 64;
 
     // Metabolite sections. ReadMetabolite reads an "EXPECTED METABOLITES" or "UNEXPECTED
     // METABOLITES" block; ReadMSMSCorrelation an "MSMS CORRELATION" block. Rows never fail:
@@ -503,6 +506,7 @@ private:
     int m_nUnexpectedMetaboliteLastEntry = -1;
     int m_nMSMSMetaboliteLastEntry = -1;
     int m_nMSMetaboliteCount = 0; // expected and unexpected rows appended so far
+    int m_nMSMSRowsStored = 0;
     int m_nNextCompoundNumber = 0;
     double m_dMaxParentMass = 0.0;
     CMSMSCorrelation m_MSMSCorrelation;

@@ -157,8 +157,9 @@ int CSampleData::AddMSMetabolite(const CMetaboliteData& metabolite) {
 }
 
 int CSampleData::AddMSMSMetabolite(int entry, const CMetaboliteData& metabolite) {
-    if (entry < 0 || entry > m_Metabolites.GetSize() - m_nMSMetaboliteCount + kMaxMSMSEntryGrowth)
+    if (entry < 0 || entry > m_nMSMSRowsStored + kMaxMSMSEntryGap)
         return m_Metabolites.GetSize();
+    ++m_nMSMSRowsStored;
     const int index = m_nMSMetaboliteCount + entry;
     if (index >= m_Metabolites.GetSize())
         m_Metabolites.SetSize(index + 1);
@@ -336,7 +337,8 @@ int CSampleData::MSMSAddCorrelationToMetabolite(const CStringArray& row) {
         return 0;
     const int otherEntry = ParseInt(row[1]);
     CMetaboliteData* metabolite = GetMetabolite(ParseInt(row[0]) + m_nMSMetaboliteCount);
-    if (metabolite == nullptr || otherEntry < 0 || otherEntry > kMaxMSMSEntryGrowth)
+    if (metabolite == nullptr || otherEntry < 0 ||
+        otherEntry > metabolite->GetCorrelationEntryCount() + kMaxMSMSEntryGap)
         return 1;
     metabolite->SetCorrelationMasses(otherEntry, CorrelationTextOf(row[2]));
     metabolite->SetNeutralLossesFromAllParentSpectrumMasses(otherEntry,

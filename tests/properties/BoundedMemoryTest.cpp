@@ -91,6 +91,21 @@ std::string SmallReport(const TempFile& folder) {
 
 } // namespace
 
+// A sample whose MS/MS rows name entries ever further out (90,000 apart), and whose correlation
+// rows give each of 200 metabolites an entry of 99,999: a few kilobytes that would ask for millions
+// of default records and texts if every row could open a gap of its own size.
+std::string FarOutMSMSEntries() {
+    std::string text = "[SAMPLE]\n{\nSample\t3\n[MSMS CORRELATION]\n{\n[METABOLITES]\n{\n";
+    for (int row = 0; row < 200; ++row)
+        text += std::to_string(row) + "\t1\t1\t1\t1\t0\t0\t0\t1\n";
+    for (int row = 1; row <= 50; ++row)
+        text += std::to_string(row * 90000) + "\t1\t1\t1\t1\t0\t0\t0\t1\n";
+    text += "}\n[CORRELATION TABLE]\n{\n";
+    for (int row = 0; row < 200; ++row)
+        text += std::to_string(row) + "\t99999\t1\t1\t1\n";
+    return text + "}\n}\n}\n";
+}
+
 TEST(BoundedMemoryTest, NoNumberInAReportMakesTheReaderAllocateWithoutBound) {
     if (kSanitized)
         GTEST_SKIP() << "a sanitizer reserves more address space than any limit allows";
@@ -112,6 +127,8 @@ TEST(BoundedMemoryTest, NoNumberInAReportMakesTheReaderAllocateWithoutBound) {
          std::regex_replace(
              std::regex_replace(report, std::regex("\n0\t0\t"), "\n" + huge + "\t" + huge + "\t"),
              std::regex("\nParentEntry\t[0-9]+"), "\nParentEntry\t" + huge)},
+        {"MS/MS and correlation entries that each row moves further out",
+         report + FarOutMSMSEntries()},
         {"a line of four million empty fields",
          report + "[SAMPLE]\n{\nSample\t3\n" + std::string(4 << 20, '\t') + "\n}\n"},
     };
