@@ -441,8 +441,8 @@ int CSamples::Write(CDelimitFile* in, CDelimitFile* out) {
     };
 
     int sampleCounter = -1;
-    // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section, from 1: the
-    // n-th holds the candidates of the n-th metabolite after the expected ones.
+    // Numbers the "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section written, from
+    // 1: the n-th holds the candidates of the n-th metabolite after the expected ones.
     int elementalCounter = 0;
     int writtenGroups = 0;
     bool duplicatesDropped = false;
@@ -547,8 +547,8 @@ bool CSamples::WriteMetaboliteSection(std::string_view section, CSampleData& sam
         if (firstOfGroup(kUnexpected)) {
             out->WriteSectionHeader("UNEXPECTED METABOLITES");
             sample.WriteMSMetabolites(out, false);
+            elementalCounter = 0;
         }
-        elementalCounter = 0;
     } else if (section == "ELEMENTAL") {
         out->WriteSectionHeader("ELEMENTAL");
         sample.WriteElementalComposition(out, ++elementalCounter);

@@ -131,10 +131,12 @@ private:
     void AddSamplesInOrder(std::vector<CSampleData>&& added);
     // Writes an expected, unexpected, elemental or MS/MS correlation section from memory in place
     // of the input's block; false for any other section. The elemental counter numbers the
-    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section from 1. Each of the three
-    // metabolite groups is written whole at its sample's first section of that kind: a later
+    // "ELEMENTAL" sections after each "UNEXPECTED METABOLITES" section written, from 1. Each of the
+    // three metabolite groups is written whole at its sample's first section of that kind: a later
     // section of the same kind in the same sample (written, a bit per group, in writtenGroups) is
-    // dropped with its block, since the reader put its metabolites into the group already written.
+    // dropped with its block, since the reader put its metabolites into the group already written;
+    // a dropped unexpected section leaves the elemental counter running, as the reader goes on
+    // giving each "ELEMENTAL" section to the next metabolite without candidates.
     static bool WriteMetaboliteSection(std::string_view section, CSampleData& sample,
                                        int& elementalCounter, int& writtenGroups, CDelimitFile* in,
                                        CDelimitFile* out);
