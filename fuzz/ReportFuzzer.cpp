@@ -78,7 +78,7 @@ void QuerySample(CSampleData& sample) {
             sample.GetChromatogramIndex(f, number);
             sample.GetChromatogramIndex(f, trace.GetDescription());
             sample.GetTraceNum(function.GetNumber(), trace.GetDescription());
-            sample.SameTrace(number, number + 1);
+            sample.SameTrace(number, number ^ 1); // a neighbouring number, even at INT_MAX
             for (int p = 0; p < trace.GetNumberOfListPeaks(); ++p) {
                 const CChromatogramPeak& peak = *trace.GetChromatPeakData(p);
                 const int id = peak.GetPeakID();
