@@ -3,6 +3,7 @@
 // Everything the library offers. Include this header and link quillon::quillon.
 
 #include <quillon/platform/Array.h>
+#include <quillon/platform/AtomicFile.h>
 #include <quillon/platform/ChartSettings.h>
 #include <quillon/platform/Exception.h>
 #include <quillon/platform/File.h>
@@ -64,7 +65,9 @@
 #include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/metabolites/MetaboliteDisplay.h>
 
+#include <quillon/document/MetaboliteEdit.h>
 #include <quillon/document/ReadReport.h>
+#include <quillon/document/ReportSave.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
 

@@ -112,6 +112,12 @@ int CMetaboliteData::DeleteElementalResult(int index) {
     return m_ElementalResults.GetSize();
 }
 
+int CMetaboliteData::InsertElementalResult(int index, const CElementalResultsData& result) {
+    if (index >= 0 && index <= m_ElementalResults.GetSize())
+        m_ElementalResults.InsertAt(index, result);
+    return m_ElementalResults.GetSize();
+}
+
 namespace {
 
 void StoreAtEntry(CStringArray& list, int entry, const CString& text) {

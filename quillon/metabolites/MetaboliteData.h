@@ -186,12 +186,15 @@ public:
     bool CheckValidTrace(const CChromatoData* trace, TRACE_TYPE type) const;
 
     // Elemental candidates. The adding forms return the new count; DeleteElementalResult
-    // returns the count after removal (unchanged for an index outside the list).
+    // returns the count after removal (unchanged for an index outside the list), and
+    // InsertElementalResult the count after putting result at index (0 to the count; unchanged
+    // for any other index).
     int AddElementalResults();
     int AddElementalResults(const CElementalResultsData& result);
     int GetNumElementalResults() const { return m_ElementalResults.GetSize(); }
     bool GetElementalResults(int index, CElementalResultsData& result) const;
     int DeleteElementalResult(int index);
+    int InsertElementalResult(int index, const CElementalResultsData& result);
     // One row of an "ELEMENTAL" section; 0 for a row too short to hold a candidate.
     int ElementalNewField(const CStringArray& row);
 

@@ -1,16 +1,13 @@
 #include <quillon/platform/ProfileFile.h>
 
-#include <cerrno>
-#include <cstdio>
+#include <quillon/platform/AtomicFile.h>
+#include <quillon/platform/FileException.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace quillon {
 
@@ -87,67 +84,6 @@ std::string OneLine(std::string_view text) {
     return line;
 }
 
-// Writes all of text to the descriptor; false on any error (a full disk, a file-size limit).
-bool WriteAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        text.remove_prefix(static_cast<size_t>(written));
-    }
-    return true;
-}
-
-// Creates a temporary file beside target, named after it and this process ("Tarnwick.ini.~1234-0"),
-// so that two writers never share one; its path goes to temporary. -1 when none can be created.
-int CreateTemporaryBeside(const fs::path& target, fs::path& temporary) {
-    constexpr int kAttempts = 64;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        temporary = target;
-        temporary += ".~" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
-        const int descriptor =
-            ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (descriptor >= 0 || errno != EEXIST)
-            return descriptor;
-    }
-    return -1;
-}
-
-// Makes a finished rename durable: syncs the folder that holds the file's name. Best effort.
-void SyncFolder(const fs::path& file) {
-    const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
-    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        ::fsync(descriptor);
-        ::close(descriptor);
-    }
-}
-
-// Replaces target with a file holding exactly content: written in full to a temporary file of
-// this process beside it, flushed to the disk, then renamed over the target, so that a crash or a
-// second writer at any moment leaves the old file or the new one whole. With mode, the new file
-// takes those permissions. False, with the target untouched and no temporary file left, when any
-// step fails.
-bool ReplaceFile(const fs::path& target, std::string_view content, const mode_t* mode) {
-    fs::path temporary;
-    const int descriptor = CreateTemporaryBeside(target, temporary);
-    if (descriptor < 0)
-        return false;
-    bool written = WriteAll(descriptor, content);
-    if (written && mode != nullptr)
-        written = ::fchmod(descriptor, *mode) == 0;
-    written = written && ::fsync(descriptor) == 0;
-    written = ::close(descriptor) == 0 && written;
-    if (!written || ::rename(temporary.c_str(), target.c_str()) != 0) {
-        ::unlink(temporary.c_str());
-        return false;
-    }
-    SyncFolder(target);
-    return true;
-}
-
 } // namespace
 
 CProfileFile::CProfileFile(std::string path) : m_path(std::move(path)) {}
@@ -185,34 +121,17 @@ bool CProfileFile::Load() {
 }
 
 bool CProfileFile::Save() const {
-    std::error_code error;
-    fs::path target(m_path);
-    // Replace the file a link points to, not the link.
-    if (fs::is_symlink(fs::symlink_status(target, error))) {
-        target = fs::canonical(target, error);
-        if (error)
-            return false;
-    }
-
-    const fs::file_status status = fs::status(target, error);
-    const bool exists = status.type() != fs::file_type::not_found;
-    if (exists) {
-        if (!fs::is_regular_file(status))
-            return false;
-        // Renaming would replace a read-only file too; honour its protection instead.
-        std::FILE* probe = std::fopen(target.string().c_str(), "r+");
-        if (!probe)
-            return false;
-        std::fclose(probe);
-    }
-
     std::string content;
     for (const Line& line : m_lines) {
         content += line.text;
         content += line.ending;
     }
-    const mode_t mode = exists ? static_cast<mode_t>(status.permissions() & fs::perms::all) : 0;
-    return ReplaceFile(target, content, exists ? &mode : nullptr);
+    try {
+        WriteFileAtomically(m_path, content);
+        return true;
+    } catch (const CFileException&) {
+        return false;
+    }
 }
 
 std::string CProfileFile::GetString(std::string_view section, std::string_view key,

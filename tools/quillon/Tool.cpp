@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -46,99 +45,6 @@ void Emit(const std::string& text, const GlobalOptions& options) {
     else
         WriteFileAtomically(options.output, text);
 }
-
-// A file written in place of a target: made in a private folder beside the target (named after
-// it and this process, with a random suffix) under the target's own name, since the report writer
-// names the file in what it writes, then moved over the target. Whatever is left of it when the
-// object goes is removed, so a failure at any step leaves the target as it was and no litter.
-class PendingFile {
-public:
-    explicit PendingFile(const std::string& target) : m_shownTarget(target) {
-        std::error_code error;
-        std::filesystem::path resolved(target);
-        // Replace the file a link points to, not the link.
-        if (std::filesystem::is_symlink(std::filesystem::symlink_status(resolved, error))) {
-            resolved = std::filesystem::canonical(resolved, error);
-            if (error)
-                Fail(error.message());
-        }
-        m_target = resolved.string();
-        m_exists = ::stat(m_target.c_str(), &m_status) == 0;
-        if (m_exists && S_ISDIR(m_status.st_mode))
-            Fail("Is a directory");
-        if (m_exists && !S_ISREG(m_status.st_mode))
-            Fail("not a regular file");
-        // Renaming would replace a read-only file too: honour its protection instead.
-        if (m_exists && ::access(m_target.c_str(), W_OK) != 0)
-            Fail(std::strerror(errno));
-        const std::filesystem::path folder =
-            resolved.has_parent_path() ? resolved.parent_path() : std::filesystem::path(".");
-        const std::string name = resolved.filename().string();
-        m_folder = (folder / ("." + name + "." + std::to_string(::getpid()) + ".XXXXXX")).string();
-        if (::mkdtemp(m_folder.data()) == nullptr) {
-            m_folder.clear();
-            Fail(std::strerror(errno));
-        }
-        m_path = m_folder + "/" + name;
-    }
-    PendingFile(const PendingFile&) = delete;
-    PendingFile& operator=(const PendingFile&) = delete;
-    ~PendingFile() {
-        if (!m_committed && !m_path.empty())
-            ::unlink(m_path.c_str());
-        if (!m_folder.empty())
-            ::rmdir(m_folder.c_str());
-    }
-
-    // Where to write the new content.
-    const std::string& Path() const { return m_path; }
-
-    // Gives the written file the target's owner and permissions (a new target keeps the
-    // default mode it was created with), syncs it to the disk, renames it over the target and
-    // syncs the folder, so that the new name survives a crash. Throws ToolError.
-    void Commit() {
-        const int descriptor = ::open(m_path.c_str(), O_RDONLY | O_CLOEXEC);
-        if (descriptor < 0)
-            Fail(std::strerror(errno));
-        int error = 0;
-        if (m_exists) {
-            // Only a privileged user may give the file away; the permissions matter more.
-            [[maybe_unused]] const int owned =
-                ::fchown(descriptor, m_status.st_uid, m_status.st_gid);
-            if (::fchmod(descriptor, m_status.st_mode & 07777) != 0)
-                error = errno;
-        }
-        if (error == 0 && ::fsync(descriptor) != 0)
-            error = errno;
-        ::close(descriptor);
-        if (error == 0 && ::rename(m_path.c_str(), m_target.c_str()) != 0)
-            error = errno;
-        if (error != 0)
-            Fail(std::strerror(error));
-        m_committed = true;
-        const std::string folder = std::filesystem::path(m_target).has_parent_path()
-                                       ? std::filesystem::path(m_target).parent_path().string()
-                                       : std::string(".");
-        const int folderDescriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (folderDescriptor >= 0) {
-            ::fsync(folderDescriptor);
-            ::close(folderDescriptor);
-        }
-    }
-
-private:
-    [[noreturn]] void Fail(const std::string& reason) const {
-        throw ToolError("cannot write " + Quoted(m_shownTarget) + ": " + reason);
-    }
-
-    std::string m_shownTarget; // as the user named it
-    std::string m_target;      // the file to replace, links followed
-    std::string m_folder;
-    std::string m_path;
-    struct stat m_status {};
-    bool m_exists = false;
-    bool m_committed = false;
-};
 
 } // namespace
 
@@ -231,42 +137,28 @@ void PrintJson(const nlohmann::json& document, const GlobalOptions& options) {
     Emit(document.dump(2) + "\n", options);
 }
 
-void WriteFileAtomically(const std::string& path, const std::string& text) {
-    PendingFile pending(path);
-    const int descriptor =
-        ::open(pending.Path().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor < 0)
-        throw ToolError("cannot write " + Quoted(path) + ": " + std::strerror(errno));
-    int error = 0;
-    for (size_t written = 0; written < text.size() && error == 0;) {
-        const ssize_t n = ::write(descriptor, text.data() + written, text.size() - written);
-        if (n > 0)
-            written += static_cast<size_t>(n);
-        else if (n < 0 && errno != EINTR)
-            error = errno;
-    }
-    if (::close(descriptor) != 0 && error == 0)
-        error = errno;
-    if (error != 0)
-        throw ToolError("cannot write " + Quoted(path) + ": " + std::strerror(error));
-    pending.Commit();
-}
+namespace {
 
-void SaveReport(CSamples& samples, const std::string& inPath, const std::string& outPath) {
-    PendingFile pending(outPath);
+// The library's file errors as the tool's: one line naming the file and the reason.
+template <class Operation>
+void AsToolError(Operation operation) {
     try {
-        CDelimitFile in(inPath.c_str(), CFile::modeRead);
-        CDelimitFile out(pending.Path().c_str(), CFile::modeWrite | CFile::modeCreate);
-        if (!samples.Write(&in, &out))
-            throw ToolError("cannot save " + Quoted(outPath) + ": the writer failed");
-        out.Flush();
-        out.Close();
+        operation();
     } catch (const CException& exception) {
         char text[512] = "";
         exception.GetErrorMessage(text, sizeof text);
-        throw ToolError("cannot save " + Quoted(outPath) + ": " + text);
+        throw ToolError(text);
     }
-    pending.Commit();
+}
+
+} // namespace
+
+void WriteFileAtomically(const std::string& path, const std::string& text) {
+    AsToolError([&] { quillon::WriteFileAtomically(path, text); });
+}
+
+void SaveReport(CSamples& samples, const std::string& inPath, const std::string& outPath) {
+    AsToolError([&] { SaveReportAtomically(samples, inPath, outPath); });
 }
 
 void Note(const GlobalOptions& options, const std::string& text) {
