@@ -64,6 +64,7 @@
 #include <quillon/metabolites/MSMSMetabolite.h>
 #include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/metabolites/MetaboliteDisplay.h>
+#include <quillon/metabolites/MetaboliteNames.h>
 
 #include <quillon/document/MetaboliteEdit.h>
 #include <quillon/document/ReadReport.h>

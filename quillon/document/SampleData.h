@@ -325,6 +325,13 @@ public:
                             double massErrorLimit, bool isotopeOn, bool elementalOn, bool timeOn,
                             double timeLow, double timeHigh, bool hideHighEnergy,
                             bool leaveOutParent, bool confirmedOnly);
+    // The same with the result filters of a browser parameter record (its fragment settings are
+    // not used here):
+    //     CDivBroParams filters;            // every filter off
+    //     sample.SetCombinedTraceType(CSampleData::COMBINED_ALL_FOUND_AND_UNEXPECTED, -100);
+    //     sample.SetupCombinedTrace(-100, filters, /*leaveOutParent=*/true, false);
+    bool SetupCombinedTrace(int traceNumber, const CDivBroParams& filters, bool leaveOutParent,
+                            bool confirmedOnly);
     // Trace number of the diode-array TIC (or TAC) of the last diode-array function that has
     // one; 0 when none.
     int GetPDATIC();

@@ -2,6 +2,8 @@
 // and the look-ups of its diode-array TIC and first analog trace.
 
 #include <quillon/document/SampleData.h>
+#include <quillon/metabolites/DivBroParams.h>
+#include <quillon/metabolites/MetaboliteNames.h>
 
 #include <quillon/metabolites/MetaboliteData.h>
 
@@ -16,12 +18,6 @@ namespace quillon {
 namespace {
 
 constexpr const char* kCombinedPeaks = "Combined Metabolite Peaks";
-
-bool NameIs(const CMetaboliteData& metabolite, const char* name) {
-    CString text;
-    metabolite.GetMetName(text);
-    return text == name;
-}
 
 CString Describe(int type, int fragment, const CFragmentAnalysis& analysis, int neutralLoss) {
     CString text;
@@ -107,6 +103,16 @@ bool CSampleData::SetCombinedTraceType(int type, int traceNumber) {
     return true;
 }
 
+bool CSampleData::SetupCombinedTrace(int traceNumber, const CDivBroParams& filters,
+                                     bool leaveOutParent, bool confirmedOnly) {
+    const CDivBroParams& f = filters;
+    return SetupCombinedTrace(
+        traceNumber, f.MassDefectFilterOn, f.MassDefectUpper, f.MassDefectLower, f.AreaFilterOn,
+        f.AreaMode, f.AreaThreshold, f.RelativeAreaThreshold, f.AreaFilterOnExpected,
+        f.MassErrorFilterOn, f.MassErrorLimit, f.IsotopeFilterOn, f.ElementalFilterOn,
+        f.TimeFilterOn, f.TimeLow, f.TimeHigh, f.HideHighEnergy, leaveOutParent, confirmedOnly);
+}
+
 bool CSampleData::SetupCombinedTrace(int traceNumber, bool massDefectOn, double upperMassDefect,
                                      double lowerMassDefect, bool areaOn, int areaMode,
                                      float areaThreshold, float relativeAreaThreshold,
@@ -135,8 +141,7 @@ bool CSampleData::SetupCombinedTrace(int traceNumber, bool massDefectOn, double 
     int size = 0;
     for (int i = 0; i < count; ++i) {
         CMetaboliteData* m = GetMetabolite(i);
-        CChromatoData* own =
-            m == nullptr || NameIs(*m, "Exclude Mass") ? nullptr : m->GetTrace(this);
+        CChromatoData* own = m == nullptr || IsExcludedMass(*m) ? nullptr : m->GetTrace(this);
         if (own == nullptr)
             continue;
         float low = 0.0f;
@@ -179,9 +184,8 @@ bool CSampleData::SetupCombinedTrace(int traceNumber, bool massDefectOn, double 
     CArray<float> cutIntensities;
     for (int i = 0; i < count; ++i) {
         CMetaboliteData* m = GetMetabolite(i);
-        if (m == nullptr || m->IsHiEnergy() || NameIs(*m, "Exclude Mass") ||
-            NameIs(*m, "MSe fragments") || (leaveOutParent && NameIs(*m, "Parent")) ||
-            (confirmedOnly && !m->GetConfirmed()))
+        if (m == nullptr || m->IsHiEnergy() || IsExcludedMass(*m) || IsMSeFragments(*m) ||
+            (leaveOutParent && IsParent(*m)) || (confirmedOnly && !m->GetConfirmed()))
             continue;
         bool selected = false;
         switch (type) {

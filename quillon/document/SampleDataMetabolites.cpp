@@ -1,6 +1,7 @@
 // The sample's metabolite array: its three groups, the metabolite sections of a report and their
 // writers.
 #include <quillon/document/SampleData.h>
+#include <quillon/metabolites/MetaboliteNames.h>
 
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
@@ -18,10 +19,6 @@
 namespace quillon {
 
 namespace {
-
-// The name a report gives the parent metabolite; its molecule reference is written with the
-// report's own name in front.
-constexpr const char* kParentName = "Parent";
 
 // Masses of a spectrum and a metabolite's found m/z count as the same within this.
 constexpr double kSameMass = 0.0001;
@@ -353,9 +350,8 @@ int CSampleData::MSMSAddCorrelationToMetabolite(const CStringArray& row) {
 // report keeps finding its parent's structure, and saving is a fixed point apart from the name.)
 static CString MoleculeFileReference(const CDelimitFile& file, const CMetaboliteData& metabolite) {
     CString reference;
-    if (CString(metabolite.GetMetName()).CompareNoCase(kParentName) == 0 &&
-        !metabolite.GetMoleculeReference().IsEmpty())
-        reference.Format("%s_%s", file.GetFileName().c_str(), kParentName);
+    if (IsParent(metabolite) && !metabolite.GetMoleculeReference().IsEmpty())
+        reference.Format("%s_%s", file.GetFileName().c_str(), MetaboliteName::kParent);
     return reference;
 }
 

@@ -1,5 +1,6 @@
 // The metabolic stability analysis across the samples of a collection.
 #include <quillon/document/Samples.h>
+#include <quillon/metabolites/MetaboliteNames.h>
 
 #include <quillon/stability/MetabolicStabilityInfo.h>
 
@@ -10,10 +11,6 @@
 namespace quillon {
 
 namespace {
-
-bool IsNamed(const CMetaboliteData& metabolite, const char* name) {
-    return CString(metabolite.GetMetName()).CompareNoCase(name) == 0;
-}
 
 // A found, low-energy metabolite with a peak area: the ones whose amounts the analysis follows.
 bool Counts(const CMetaboliteData& metabolite) {
@@ -87,15 +84,15 @@ bool CSamples::CreateMetabolicStabilityAnalysis(CArray<CMetabolicStabilityInfo>&
                 const CMetaboliteData& metabolite = *sample.GetMetabolite(m);
                 if (!Counts(metabolite))
                     continue;
-                if (IsNamed(metabolite, "Parent")) {
+                if (IsParent(metabolite)) {
                     if (!point.hasAmount) {
                         point.hasAmount = true;
                         point.amount = AmountOf(sample, metabolite.GetPeakArea());
                     }
                     continue;
                 }
-                if (!metabolite.IsExpected() || IsNamed(metabolite, "Exclude Mass") ||
-                    IsNamed(metabolite, "MSe fragments"))
+                if (!metabolite.IsExpected() || IsExcludedMass(metabolite) ||
+                    IsMSeFragments(metabolite))
                     continue;
                 const CString name = metabolite.GetMetName();
                 const CString label = ShiftLabel(metabolite.GetMetabolite());

@@ -4,6 +4,7 @@
 
 #include <quillon/document/SampleData.h>
 #include <quillon/metabolites/MetaboliteData.h>
+#include <quillon/metabolites/MetaboliteNames.h>
 #include <quillon/platform/HostHooks.h>
 
 #include <climits>
@@ -12,15 +13,6 @@
 #include <unordered_map>
 
 namespace quillon::fragments {
-
-inline constexpr const char* kExcludeMass = "Exclude Mass";
-inline constexpr const char* kMSeFragments = "MSe fragments";
-
-inline bool NameIs(const CMetaboliteData& metabolite, const char* name) {
-    CString text;
-    metabolite.GetMetName(text);
-    return text == name;
-}
 
 // A mass rounded to its nominal value by adding 0.5 and truncating; saturates instead of
 // overflowing for masses no instrument reports.

@@ -42,7 +42,7 @@ void CFragmentAnalysis::Initialise() {
     InitialiseAnalysis(nullptr);
     m_ParentMz = 0.0;
     m_ParentOffset = 0;
-    InitialiseParams(1.0, 0.01, true, 0.1, 0.2, 10.0, false);
+    InitialiseParams(CDivBroParams());
     m_ParentFormula.Empty();
 }
 
@@ -92,6 +92,13 @@ void CFragmentAnalysis::InitialiseAnalysis(CSampleData* sample) {
     m_FragmentPrintFlags.RemoveAll();
     if (sample != nullptr)
         FindParentMz(sample);
+}
+
+void CFragmentAnalysis::InitialiseParams(const CDivBroParams& params) {
+    InitialiseParams(params.FragmentIntensityThreshold, params.FragmentMassTolerance,
+                     params.FragmentUseMassDefectFilter, params.FragmentMassDefectLower,
+                     params.FragmentMassDefectUpper, params.FragmentParentIntensityThreshold,
+                     params.FragmentExtraOption);
 }
 
 void CFragmentAnalysis::InitialiseParams(double intensityThreshold, double massTolerance,
@@ -150,14 +157,7 @@ bool CFragmentAnalysis::RunStages(CSampleData* sample) {
 
 void CFragmentAnalysis::ReadParameters(CSampleData* sample) {
     const CDivBroParams* params = sample->GetParams();
-    if (params == nullptr) {
-        InitialiseParams(1.0, 0.01, true, 0.1, 0.2, 10.0, false);
-        return;
-    }
-    InitialiseParams(params->FragmentIntensityThreshold, params->FragmentMassTolerance,
-                     params->FragmentUseMassDefectFilter, params->FragmentMassDefectLower,
-                     params->FragmentMassDefectUpper, params->FragmentParentIntensityThreshold,
-                     params->FragmentExtraOption);
+    InitialiseParams(params != nullptr ? *params : CDivBroParams());
 }
 
 void CFragmentAnalysis::SetUpIsotopeModel(CSampleData* sample) {

@@ -13,6 +13,7 @@
 namespace quillon {
 
 class CSampleData;
+struct CDivBroParams;
 class CSpectrumData;
 
 // A low-energy metabolite paired with its high-energy partner.
@@ -87,7 +88,7 @@ public:
     ~CFragmentAnalysis() override = default;
 
     // Everything back to the defaults: flags clear, threshold -1, no functions, no results,
-    // default parameters (1.0, 0.01, true, 0.1, 0.2, 10.0, false).
+    // the default parameters of a browser parameter record (CDivBroParams).
     void Initialise();
     // Empties the results (parents, fragments, neutral-loss lists, print flags) and the stage
     // flags; with a sample, then finds its parent m/z.
@@ -96,6 +97,8 @@ public:
     void InitialiseParams(double intensityThreshold, double massTolerance, bool useMassDefectFilter,
                           double massDefectLower, double massDefectUpper,
                           double parentIntensityThreshold, bool extraOption);
+    // The same from the fragment settings of a browser parameter record.
+    void InitialiseParams(const CDivBroParams& params);
 
     // Runs the analysis on the sample: parents, fragment masses, neutral losses. Returns the
     // result of the last stage run; false for a null sample, while the analysis is not enabled,
@@ -227,14 +230,16 @@ private:
     bool m_HasNeutralLosses = false;
     bool m_HasFragments = false;
     bool m_HasParents = false;
-    bool m_UseMassDefectFilter = true;
+    // The parameters: set from CDivBroParams's defaults by Initialise, which every constructor
+    // runs.
+    bool m_UseMassDefectFilter = false;
     bool m_ExtraOption = false;
     double m_LowEnergyThreshold = -1.0;
-    double m_IntensityThreshold = 1.0;
-    double m_ParentIntensityThreshold = 10.0;
-    double m_MassDefectLower = 0.1;
-    double m_MassDefectUpper = 0.2;
-    double m_MassTolerance = 0.01;
+    double m_IntensityThreshold = 0.0;
+    double m_ParentIntensityThreshold = 0.0;
+    double m_MassDefectLower = 0.0;
+    double m_MassDefectUpper = 0.0;
+    double m_MassTolerance = 0.0;
     double m_ParentMz = 0.0;
     int m_ParentOffset = 0;
     int m_LastExpectedIndex = -1;

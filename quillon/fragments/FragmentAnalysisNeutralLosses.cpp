@@ -136,7 +136,7 @@ void CFragmentAnalysis::SearchForNeutralLosses(CSampleData* sample) {
             continue;
         if (CancelRequested())
             break;
-        if (NameIs(*m, kExcludeMass))
+        if (IsExcludedMass(*m))
             continue;
         const double parentMz = m->GetMzFound();
         CFunctionData* function = sample->GetFunction(functionIndex);

@@ -100,7 +100,7 @@ bool CFragmentAnalysis::CreateParentsList(CSampleData* sample) {
     std::vector<std::tuple<int, int, int>> partners;
     for (int j = 0; j < n; ++j) {
         const CMetaboliteData* m = sample->GetMetabolite(j);
-        if (m != nullptr && m->IsHiEnergy() && NameIs(*m, kMSeFragments))
+        if (m != nullptr && m->IsHiEnergy() && IsMSeFragments(*m))
             partners.emplace_back(m->GetPeakClusterNum(), m->GetPeakNum(), j);
     }
     std::sort(partners.begin(), partners.end());
@@ -114,7 +114,7 @@ bool CFragmentAnalysis::CreateParentsList(CSampleData* sample) {
             continue;
         if (m->NotYetDisplayed() && !m->ApplyDataFilters(sample->GetParams(), false))
             continue;
-        if (NameIs(*m, kExcludeMass) || m->GetPeakClusterNum() <= 0)
+        if (IsExcludedMass(*m) || m->GetPeakClusterNum() <= 0)
             continue;
         if (CancelRequested()) {
             cancelled = true;
@@ -158,8 +158,7 @@ bool CFragmentAnalysis::CreateFragmentMassList(CSampleData* sample) {
     for (int i = 0; i < n; ++i) {
         progress.At(i);
         const CMetaboliteData* m = sample->GetMetabolite(i);
-        if (m == nullptr || !m->IsHiEnergy() || m->GetPeakClusterNum() < 1 ||
-            !NameIs(*m, kMSeFragments))
+        if (m == nullptr || !m->IsHiEnergy() || m->GetPeakClusterNum() < 1 || !IsMSeFragments(*m))
             continue;
         const int functionIndex = sample->GetFunctionEntryWithNumber(m->GetFunctionNum());
         CFunctionData* function = sample->GetFunction(functionIndex);
@@ -312,8 +311,8 @@ bool CFragmentAnalysis::GetParentHighEnergySpectrum(CSampleData* sample, int& fu
     const int n = sample->GetMSMetaboliteCount();
     for (int i = 0; i < n; ++i) {
         const CMetaboliteData* m = sample->GetMetabolite(i);
-        if (m == nullptr || !m->IsHiEnergy() || NameIs(*m, kExcludeMass) ||
-            m->GetPeakClusterNum() <= 0 || std::fabs(m->GetMetabolite()) > 0.1)
+        if (m == nullptr || !m->IsHiEnergy() || IsExcludedMass(*m) || m->GetPeakClusterNum() <= 0 ||
+            std::fabs(m->GetMetabolite()) > 0.1)
             continue;
         if (m->GetMzFound() > bestMz) {
             bestMz = m->GetMzFound();

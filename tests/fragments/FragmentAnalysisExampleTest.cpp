@@ -2,6 +2,8 @@
 
 #include <quillon/document/Samples.h>
 #include <quillon/fragments/FragmentAnalysis.h>
+#include <quillon/metabolites/DivBroParams.h>
+#include <quillon/metabolites/MetaboliteNames.h>
 #include <quillon/platform/HostHooks.h>
 
 #include <gtest/gtest.h>
@@ -47,9 +49,7 @@ TEST_F(ExampleBatch, CombinedTracesAreBuiltOnceFromTheChosenMetabolites) {
     CSampleData& sample = *m_samples.GetSample(2);
     ASSERT_TRUE(sample.GetFragmentAnalysis()->DoFragmentAnalysis(&sample));
     auto setup = [&](int trace, bool leaveOutParent) {
-        return sample.SetupCombinedTrace(trace, false, 0.0, 0.0, false, 0, 0.0f, 0.0f, false, false,
-                                         0.0, false, false, false, 0.0, 0.0, false, leaveOutParent,
-                                         false);
+        return sample.SetupCombinedTrace(trace, CDivBroParams(), leaveOutParent, false);
     };
     EXPECT_EQ(sample.GetCombinedTrace(5), sample.GetCombinedTrace(-100));
     EXPECT_TRUE(sample.CombinedTraceNeedsData());
@@ -77,6 +77,14 @@ TEST_F(ExampleBatch, CombinedTracesAreBuiltOnceFromTheChosenMetabolites) {
     ASSERT_TRUE(setup(-100, true));
     EXPECT_EQ(combined->GetDescription(),
               "Combined Metabolite Peaks (All Found and Unexpected Peaks)");
+    EXPECT_LT(MaxIntensity(combined), withParent / 2);
+    // A parent named in another case is left out all the same.
+    for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
+        if (IsParent(*sample.GetMetabolite(m)))
+            sample.GetMetabolite(m)->SetMetName("PARENT");
+    }
+    sample.CombinedTraceNeedsData(true, false, false);
+    ASSERT_TRUE(setup(-100, true));
     EXPECT_LT(MaxIntensity(combined), withParent / 2);
 
     // Precursors of the fragment at 86 and carriers of a neutral loss.
