@@ -56,7 +56,7 @@ format-check: deps
 bench: deps
 	cmake --preset bench
 	cmake --build --preset bench -j $(JOBS)
-	@for b in build/bench/bench/quillon_*_bench; do [ -x "$$b" ] && "$$b"; done
+	@for b in build/bench/bench/quillon_*_bench; do [ -x "$$b" ] && "$$b" --benchmark_enable_random_interleaving=true; done
 
 # The main job on the bundled example batch: every file under build/demo/.
 demo: build
