@@ -5,7 +5,14 @@ set -euo pipefail
 packages=(
     cmake make g++ clang libclang-rt-14-dev libfuzzer-14-dev clang-format
     libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev libxml2-utils python3
+    libcpp-httplib-dev pybind11-dev python3-dev python3-numpy python3-pandas python3-pytest
+    python3-dask python3-distributed chromium chromium-driver python3-selenium
 )
+# The web front end is built with Node.js and npm; Debian's packages only where none is installed
+# (a newer Node.js from elsewhere conflicts with Debian's npm package).
+if ! command -v npm >/dev/null 2>&1; then
+    packages+=(nodejs npm)
+fi
 
 missing=()
 for package in "${packages[@]}"; do
