@@ -32,7 +32,8 @@ fuzz: deps
 	cmake --build --preset fuzz -j $(JOBS)
 	FUZZ_SECONDS=$(FUZZ_SECONDS) FUZZ_JOBS=$(FUZZ_JOBS) bash scripts/run-fuzzers.sh
 
-# A long run: every fuzz target of an optimised build without sanitizers for FUZZ_RUNS inputs
+# A long run: every fuzz target of an optimised build with UndefinedBehaviorSanitizer in trap mode
+# (no AddressSanitizer) for FUZZ_RUNS inputs
 # (default 10 million) each, FUZZ_JOBS at a time; then every input each kept is replayed under
 # both sanitizers.
 fuzz-long: deps

@@ -12,11 +12,13 @@
 # regressions alone (its new inputs go to a scratch folder emptied first), so that a run either
 # always finds a fault or never does.
 #
-# FUZZ_LONG=1 is for long runs: each target of the "fuzz-long" build (libFuzzer alone, optimised,
+# FUZZ_LONG=1 is for long runs: each target of the "fuzz-long" build (optimised, with
+# UndefinedBehaviorSanitizer in trap mode, which costs little, and without AddressSanitizer:
 # several times faster) runs for FUZZ_RUNS inputs (default 10 million), with the plain scheduling of
 # inputs (-entropic=0, far cheaper with many features), from build/fuzz-long/corpus/<name>/; then
 # every input it kept is replayed under both sanitizers by the "fuzz" build, so that a memory
-# error on any path it found still shows.
+# error on any path it found still shows. (Replaying only the kept inputs misses undefined
+# behaviour on inputs that added no coverage: hence the trapping checks during the run itself.)
 # Usage: scripts/run-fuzzers.sh [target name ...]   (all targets when none is named)
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -4,6 +4,7 @@
 #include <quillon/file/FileRecord.h>
 #include <quillon/platform/Exception.h>
 #include <quillon/platform/HostHooks.h>
+#include <quillon/platform/Numbers.h>
 #include <quillon/platform/StdioFile.h>
 
 #include <algorithm>
@@ -81,7 +82,7 @@ bool CMolfile::SplitMolfilePath(const CString& path, CString& reference, int& sa
     if (separator < 0 || !digits)
         return false;
     reference = name.Left(separator);
-    sampleNumber = std::atoi(number.c_str());
+    sampleNumber = ParseInt(number);
     return true;
 }
 

@@ -161,8 +161,8 @@ int CSampleData::AddMSMSMetabolite(int entry, const CMetaboliteData& metabolite)
     if (index >= m_Metabolites.GetSize())
         m_Metabolites.SetSize(index + 1);
     m_Metabolites[index] = metabolite;
-    m_Metabolites[index].SetMSMSParent(index ==
-                                       m_MSMSCorrelation.ParentEntry() + m_nMSMetaboliteCount);
+    m_Metabolites[index].SetMSMSParent(
+        index == IndexSum(m_nMSMetaboliteCount, m_MSMSCorrelation.ParentEntry()));
     m_nMSMSMetaboliteLastEntry = std::max(m_nMSMSMetaboliteLastEntry, index);
     return m_Metabolites.GetSize();
 }
@@ -174,7 +174,7 @@ void CSampleData::SetMSMSParentMetabolite(int entry) {
         if (m_Metabolites[i].IsMSMSCorrelation())
             m_Metabolites[i].SetMSMSParent(false);
     }
-    if (CMetaboliteData* parent = GetMetabolite(first + entry))
+    if (CMetaboliteData* parent = GetMetabolite(IndexSum(first, entry)))
         parent->SetMSMSParent(true);
     m_MSMSCorrelation.ParentEntry(entry);
 }
@@ -238,6 +238,8 @@ int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected) {
     const bool msms = count > 10 && ParseInt(row[10]) != 0;
     const bool confirmed = count > 11 && ParseInt(row[11]) != 0;
     const CString& moleculeReference = Column(row, 12);
+    // The user's label is read back too (a 13-field row has none), so that saving again keeps it.
+    const CString& label = Column(row, 13);
 
     m_nNextCompoundNumber =
         std::max(m_nNextCompoundNumber, compound < INT_MAX ? compound + 1 : INT_MAX);
@@ -270,10 +272,11 @@ int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected) {
                 }
             }
         }
-        AddMSMetabolite(CMetaboliteData(
+        const int index = AddMSMetabolite(CMetaboliteData(
             expected, compound, parentMass, precursor, metaboliteMass, id.mz, id.molecularMass,
             found, confirmed, traceList, id.cluster, id.peak, id.function, id.trace, time, area,
             name, formula, mDa, ppm, msms, analogPDA, moleculeReference, isotope));
+        m_Metabolites[index].SetUserLabel(label);
     });
     return 1;
 }
@@ -333,7 +336,7 @@ int CSampleData::MSMSAddCorrelationToMetabolite(const CStringArray& row) {
     if (row.GetSize() < 3)
         return 0;
     const int otherEntry = ParseInt(row[1]);
-    CMetaboliteData* metabolite = GetMetabolite(ParseInt(row[0]) + m_nMSMetaboliteCount);
+    CMetaboliteData* metabolite = GetMetabolite(IndexSum(m_nMSMetaboliteCount, ParseInt(row[0])));
     if (metabolite == nullptr || otherEntry < 0 ||
         otherEntry > metabolite->GetCorrelationEntryCount() + kMaxMSMSEntryGap)
         return 1;

@@ -1,5 +1,7 @@
 #include <quillon/file/DelimitFile.h>
 
+#include <quillon/file/FieldFormat.h>
+
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
@@ -366,11 +368,8 @@ void CDelimitFile::WriteComment(const char* format, ...) {
 
 void CDelimitFile::WriteFormatted(const char* prefix, const char* format, va_list args) {
     CStringArray pieces;
-    CString delimitedFormat;
     SplitFieldTypes(pieces, format);
-    RebuildFieldTypes(pieces, delimitedFormat);
-    CString line;
-    line.FormatV(delimitedFormat, args);
+    const CString line = FormatFields(pieces, m_delimiters, args);
     WriteString(prefix);
     WriteLine(line);
 }

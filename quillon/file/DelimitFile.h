@@ -98,7 +98,9 @@ public:
     void WriteRecord(const CString& text);
     void WriteBlockStart();
     void WriteBlockEnd();
-    // Formatted records: every printf conversion of the format becomes one delimited field.
+    // Formatted records: every printf conversion of the format becomes one delimited field. A
+    // text ("%s") written into a field never splits the line: its tabs, CRs, LFs and delimiter
+    // characters are written as blanks.
     void WriteRecord(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void WriteComment(const char* format, ...) __attribute__((format(printf, 2, 3)));
 

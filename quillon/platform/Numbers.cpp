@@ -114,4 +114,9 @@ CNumericLocaleScope::~CNumericLocaleScope() {
     uselocale(m_previous);
 }
 
+int IndexSum(int base, int offset) {
+    int sum = 0;
+    return __builtin_add_overflow(base, offset, &sum) ? -1 : sum;
+}
+
 } // namespace quillon

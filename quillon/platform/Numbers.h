@@ -26,6 +26,12 @@ int ParseInt(std::string_view text);
 double ParseDouble(std::string_view text, size_t& used);
 int ParseInt(std::string_view text, size_t& used);
 
+// An index made of a count or offset plus a number read from a file, or -1 (an index no array
+// has) when the sum leaves the int range, so that a number at the int limit cannot overflow.
+//
+//   IndexSum(5, 3) = 8    IndexSum(5, -7) = -2    IndexSum(5, INT_MAX) = -1
+int IndexSum(int base, int offset);
+
 // While it lives, the calling thread formats numbers in the "C" locale (a "." as the decimal
 // point) whatever locale the host has set; the thread's own locale comes back when it goes. The
 // report writer and text formatting hold one, so a report is written the same in every locale.
