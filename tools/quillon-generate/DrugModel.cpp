@@ -55,7 +55,7 @@ CDrugModel::CDrugModel()
         Change("Sulfation", "SO3", "", -2.60, 0, false, false, true),
         Change("Hydroxylation + Sulfation", "SO4", "", -3.30, 0, true, false, true),
         Change("Demethylation + Hydroxylation", "O", "CH2", -1.55, 1, true),
-        Change("Oxidative Dechlorination", "O", "Cl", -2.05, 0, true),
+        Change("Oxidative Dechlorination", "OH", "Cl", -2.05, 0, true), // Cl replaced by OH
         Change("Methylation", "CH2", "", 0.55),
         Change("Acetylation", "C2H2O", "", 0.85),
         Change("Hydration", "H2O", "", -1.05, 0, true),

@@ -273,5 +273,31 @@ TEST(ExampleBatchTest, NeutralLossListReadsBackFromTheSettingsFile) {
     EXPECT_TRUE(sawCommaInName); // a name with a comma is read whole by its stated length
 }
 
+// Each expected metabolite's mass shift is its formula's mass less the parent's: the
+// transformation table's formula changes are the chemistry they are named for.
+TEST(ExampleBatchTest, MassShiftsEqualTheFormulaDifferences) {
+    CSamples& samples = Example();
+    const double parentMass = CFormula::Parse("C17H19ClN2S").MonoisotopicMass();
+    int checked = 0;
+    for (int s = 0; s < samples.GetSamplesCount(); ++s) {
+        CSampleData& sample = *samples.GetSample(s);
+        for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
+            const CMetaboliteData& metabolite = *sample.GetMetabolite(m);
+            const std::string formula = metabolite.GetFormula();
+            if (!metabolite.IsExpected() || formula.empty())
+                continue;
+            EXPECT_NEAR(metabolite.GetMetabolite(),
+                        CFormula::Parse(formula).MonoisotopicMass() - parentMass, 1e-4)
+                << metabolite.GetMetName();
+            if (std::string(metabolite.GetMetName()) == "Oxidative Dechlorination") {
+                EXPECT_EQ(formula, "C17H20N2OS"); // Cl replaced by OH: -17.9661
+                EXPECT_NEAR(metabolite.GetMetabolite(), -17.9661, 1e-4);
+            }
+            ++checked;
+        }
+    }
+    EXPECT_GT(checked, 20);
+}
+
 } // namespace
 } // namespace quillon::generate
