@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <locale.h>
 #include <string>
@@ -43,6 +44,36 @@ double ConvertInCLocale(std::string_view text, size_t& used) {
     return value;
 }
 
+// Powers of ten that a double holds exactly.
+constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The common form of a report's numbers, digits with an optional fraction and no exponent
+// ("318.0957", "12", ".5"), read at its start; false, with nothing read, for any other form and
+// for more digits than a double holds exactly. Both the digits as a whole number (below 2^53) and
+// the power of ten are exact doubles, so their quotient is the correctly rounded value, as the
+// full conversion gives.
+//   "318.0957" -> 3180957 / 1e4 = 318.0957, 8 characters
+bool ParsePlainDecimal(const char* first, const char* last, double& value, const char*& end) {
+    uint64_t digits = 0;
+    int count = 0;
+    const char* at = first;
+    for (; at != last && *at >= '0' && *at <= '9'; ++at, ++count)
+        digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+    int decimals = 0;
+    if (at != last && *at == '.') {
+        for (++at; at != last && *at >= '0' && *at <= '9'; ++at, ++count, ++decimals)
+            digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+    }
+    const bool exponent = at != last && (*at == 'e' || *at == 'E');
+    if (count == 0 || count > 15 || exponent || decimals > 22)
+        return false;
+    value = static_cast<double>(digits) / kExactPowersOfTen[decimals];
+    end = at;
+    return true;
+}
+
 } // namespace
 
 double ParseDouble(std::string_view text, size_t& used) {
@@ -56,6 +87,10 @@ double ParseDouble(std::string_view text, size_t& used) {
     if (last - first > 1 && first[0] == '0' && (first[1] == 'x' || first[1] == 'X'))
         return ConvertInCLocale(text, used);
     double value = 0.0;
+    if (const char* end = nullptr; ParsePlainDecimal(first, last, value, end)) {
+        used = static_cast<size_t>(end - text.data());
+        return negative ? -value : value;
+    }
     const auto [end, error] = std::from_chars(first, last, value, std::chars_format::general);
     if (error == std::errc::result_out_of_range)
         return ConvertInCLocale(text, used);

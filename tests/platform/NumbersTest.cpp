@@ -87,7 +87,13 @@ TEST(Numbers, AgreeWithTheCConversions) {
         check(seed);
     for (int n = 0; n < 20000; ++n) {
         std::string text;
-        if (n % 2 == 0) {
+        if (n % 3 == 2) {
+            // A plain decimal of up to 20 digits, as reports write them.
+            char plain[64];
+            std::snprintf(plain, sizeof plain, "%.*f", static_cast<int>(random() % 12),
+                          static_cast<double>(random()) * std::pow(10.0, random() % 18 - 9.0));
+            text = plain;
+        } else if (n % 2 == 0) {
             const int length = static_cast<int>(random() % 12);
             for (int i = 0; i < length; ++i)
                 text += alphabet[random() % alphabet.size()];
