@@ -1,4 +1,4 @@
-// A label the user types, saved into the example batch and read back: whatever its bytes, the
+// A label the user types, saved into a report and read back: whatever its bytes, the
 // label reads back as written (up to its first NUL byte, with each tab, CR and LF as a blank) and
 // every other record of the report is unchanged.
 
@@ -14,11 +14,13 @@ using namespace quillon;
 
 namespace {
 
-const char* const kExample = QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt";
+// One sample of the example batch with its metabolite sections (expected, unexpected, elemental
+// candidates, MS/MS correlation) and without its traces, so that each input is quick to save.
+const char* const kReport = QUILLON_SOURCE_DIR "/fuzz/data/label-report.txt";
 
-struct Example {
-    Example() {
-        std::ifstream in(kExample, std::ios::binary);
+struct Report {
+    Report() {
+        std::ifstream in(kReport, std::ios::binary);
         std::ostringstream bytes;
         bytes << in.rdbuf();
         text = bytes.str();
@@ -44,10 +46,10 @@ std::string AsSaved(std::string_view label) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz::SilenceHost();
-    static const Example example;
+    static const Report report;
     if (size < 2)
         return 0;
-    CSamples samples(example.samples);
+    CSamples samples(report.samples);
     CSampleData& sample = *samples.GetSample(data[0] % samples.GetSamplesCount());
     if (sample.GetMetaboliteCount() == 0)
         return 0;
@@ -57,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view label = fuzz::AsText(data + 2, size - 2);
     metabolite.SetUserLabel(CString(label));
 
-    fuzz::MemoryFile original(example.text);
+    fuzz::MemoryFile original(report.text);
     CDelimitFile input(original.Stream());
     fuzz::MemoryFile savedFile;
     CDelimitFile saved(savedFile.Stream());
