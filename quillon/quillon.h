@@ -67,6 +67,7 @@
 #include <quillon/metabolites/MetaboliteNames.h>
 
 #include <quillon/document/MetaboliteEdit.h>
+#include <quillon/document/PeakIndex.h>
 #include <quillon/document/ReadReport.h>
 #include <quillon/document/ReportSave.h>
 #include <quillon/document/SampleData.h>

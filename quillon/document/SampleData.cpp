@@ -1,5 +1,7 @@
 #include <quillon/document/SampleData.h>
 
+#include <quillon/document/PeakIndex.h>
+
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/plate/PlateDesc.h>
@@ -153,8 +155,17 @@ int CSampleData::Read(CDelimitFile* file) {
     for (const NamedId& section : kSections)
         record.AddParagraph(section.name, section.id);
 
+    // The metabolite sections look their peaks up in one index of the sample, built when the
+    // first of them is read; a function section read after it makes it stale.
+    CPeakIndex peaks;
+    struct UseIndex {
+        CPeakIndex*& slot;
+        ~UseIndex() { slot = nullptr; }
+    } use{m_pReadingPeakIndex = &peaks};
     while (record.Read(file)) {
         const int id = record.GetID();
+        if (id == kFunctionSection || id == kFunctionAppendSection)
+            peaks.Clear();
         if (IsSectionId(id))
             NewParagraph(file, id);
         else
