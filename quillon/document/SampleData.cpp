@@ -136,6 +136,24 @@ constexpr NamedId kSections[] = {
     {"MOLFILE LIST", kMolfileListSection},
 };
 
+// Notes in the file's read report a header line that names no header field, or a numeric header
+// field without a number (read as 0: a "SubjectTime" of "sixty" would be time 0).
+void NoteHeaderFieldProblem(CDelimitFile& file, const CStringArray& input, int id) {
+    switch (id) {
+    case -1:
+        file.NoteProblem(CReadReport::StrayRecord, "SAMPLE", input[0].view());
+        break;
+    case kSample:
+    case kInjectionVolume:
+    case kSubjectTime:
+    case kConcentration:
+        file.NoteIfNotNumber(input[0].view(), CFileRecord::FieldValue(input).view());
+        break;
+    default:
+        break;
+    }
+}
+
 // Adds one more line to a text that collects repeated fields.
 void AppendLine(CString& text, const CString& line) {
     if (text.IsEmpty()) {
@@ -166,10 +184,12 @@ int CSampleData::Read(CDelimitFile* file) {
         const int id = record.GetID();
         if (id == kFunctionSection || id == kFunctionAppendSection)
             peaks.Clear();
-        if (IsSectionId(id))
+        if (IsSectionId(id)) {
             NewParagraph(file, id);
-        else
+        } else {
+            NoteHeaderFieldProblem(*file, *record.GetInput(), id);
             NewField(*record.GetInput(), id);
+        }
     }
     return 1;
 }

@@ -218,8 +218,18 @@ int CSampleData::ReadMetabolite(CDelimitFile* file, bool expected) {
     const CPeakIndex& peaks = ReadingPeakIndex(own);
     CFileRecord record;
     while (record.Read(file)) {
-        if (record.GetType() == RECORD_FIELD)
-            MSMetaboliteNewField(*record.GetInput(), expected, peaks);
+        if (record.GetType() != RECORD_FIELD)
+            continue;
+        const CStringArray& row = *record.GetInput();
+        // A row begins with its compound's number; a line that does not is still read as a row
+        // of compound 0, as it always was, but noted.
+        size_t used = 0;
+        ParseInt(row[0].view(), used);
+        if (used == 0)
+            file->NoteProblem(CReadReport::StrayRecord,
+                              expected ? "EXPECTED METABOLITES" : "UNEXPECTED METABOLITES",
+                              row[0].view());
+        MSMetaboliteNewField(row, expected, peaks);
     }
     return 1;
 }
