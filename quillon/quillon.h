@@ -67,10 +67,11 @@
 #include <quillon/metabolites/MetaboliteNames.h>
 
 #include <quillon/document/MetaboliteEdit.h>
-#include <quillon/document/ReadReport.h>
+#include <quillon/document/PeakIndex.h>
 #include <quillon/document/ReportSave.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
+#include <quillon/file/ReadReport.h>
 
 #include <quillon/stability/FirstOrderFit.h>
 #include <quillon/stability/MetabolicStabilityInfo.h>

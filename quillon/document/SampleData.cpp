@@ -1,5 +1,7 @@
 #include <quillon/document/SampleData.h>
 
+#include <quillon/document/PeakIndex.h>
+
 #include <quillon/file/DelimitFile.h>
 #include <quillon/file/FileRecord.h>
 #include <quillon/plate/PlateDesc.h>
@@ -134,6 +136,24 @@ constexpr NamedId kSections[] = {
     {"MOLFILE LIST", kMolfileListSection},
 };
 
+// Notes in the file's read report a header line that names no header field, or a numeric header
+// field without a number (read as 0: a "SubjectTime" of "sixty" would be time 0).
+void NoteHeaderFieldProblem(CDelimitFile& file, const CStringArray& input, int id) {
+    switch (id) {
+    case -1:
+        file.NoteProblem(CReadReport::StrayRecord, "SAMPLE", input[0].view());
+        break;
+    case kSample:
+    case kInjectionVolume:
+    case kSubjectTime:
+    case kConcentration:
+        file.NoteIfNotNumber(input[0].view(), CFileRecord::FieldValue(input).view());
+        break;
+    default:
+        break;
+    }
+}
+
 // Adds one more line to a text that collects repeated fields.
 void AppendLine(CString& text, const CString& line) {
     if (text.IsEmpty()) {
@@ -153,12 +173,23 @@ int CSampleData::Read(CDelimitFile* file) {
     for (const NamedId& section : kSections)
         record.AddParagraph(section.name, section.id);
 
+    // The metabolite sections look their peaks up in one index of the sample, built when the
+    // first of them is read; a function section read after it makes it stale.
+    CPeakIndex peaks;
+    struct UseIndex {
+        CPeakIndex*& slot;
+        ~UseIndex() { slot = nullptr; }
+    } use{m_pReadingPeakIndex = &peaks};
     while (record.Read(file)) {
         const int id = record.GetID();
-        if (IsSectionId(id))
+        if (id == kFunctionSection || id == kFunctionAppendSection)
+            peaks.Clear();
+        if (IsSectionId(id)) {
             NewParagraph(file, id);
-        else
+        } else {
+            NoteHeaderFieldProblem(*file, *record.GetInput(), id);
             NewField(*record.GetInput(), id);
+        }
     }
     return 1;
 }

@@ -20,6 +20,8 @@
 
 namespace quillon {
 
+class CPeakIndex;
+
 class CDelimitFile;
 struct CDivBroParams;
 
@@ -244,7 +246,8 @@ public:
     // missing columns take defaults. Each returns 1.
     int ReadMetabolite(CDelimitFile* file, bool expected);
     int ReadMSMSCorrelation(CDelimitFile* file);
-    // One MS-layout row: one metabolite per peak identifier of its "Peak" column.
+    // One MS-layout row: one metabolite per peak identifier of its "Peak" column. (Read row by row
+    // outside a section, each row indexes the sample's peaks afresh: ReadMetabolite does it once.)
     int MSMetaboliteNewField(const CStringArray& row, bool expected);
     // One MS/MS-layout row of the "METABOLITES" table.
     int MSMSMetaboliteNewField(const CStringArray& row);
@@ -478,7 +481,14 @@ private:
     CString m_strConditions;
     CString m_strSubmitter;
 
+    // The metabolite rows' lookups go through an index of the sample's peaks (see CPeakIndex):
+    // the one of the Read in progress, built at its first metabolite row after the acquisition
+    // sections and dropped when a function section follows; otherwise own, built here.
+    const CPeakIndex& ReadingPeakIndex(CPeakIndex& own);
+    int MSMetaboliteNewField(const CStringArray& row, bool expected, const CPeakIndex& index);
+
     // State.
+    CPeakIndex* m_pReadingPeakIndex = nullptr; // set only while Read runs
     int m_nFileEntry = 0;
     unsigned long m_ulFilePosStart = 0;
     unsigned long m_ulFilePosEnd = 0;

@@ -2,12 +2,13 @@
 
 #include <quillon/document/SampleData.h>
 
+#include <quillon/document/PeakIndex.h>
+
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/ChromatogramPeak.h>
 #include <quillon/acquisition/FunctionData.h>
 #include <quillon/metabolites/MetaboliteData.h>
 
-#include <unordered_map>
 #include <utility>
 
 namespace quillon {
@@ -27,47 +28,17 @@ int KindIndex(TRACE_TYPE type) {
     return type == PDA_TRACE ? 1 : type == ANALOG_TRACE ? 2 : 0;
 }
 
-// The first peak of each identifier in the sample's walk order (functions, their chromatograms,
-// their peaks) with the chromatogram holding it: what GetCorispondingPeakInfo(id, 0) and
-// GetCorispondingChroMatogram(id, 0) find, indexed once so that a pass over the metabolites does
-// not walk every peak for each of them.
-class FirstPeaks {
-public:
-    explicit FirstPeaks(CSampleData& sample) {
-        for (int f = 0; f < sample.GetFunctionCount(); ++f) {
-            CFunctionData* function = sample.GetFunction(f);
-            for (int c = 0; c < function->GetNumChromatogram(); ++c) {
-                CChromatoData* chromatogram = function->GetChromatogram(c);
-                for (int p = 0; p < chromatogram->GetNumberOfListPeaks(); ++p) {
-                    CChromatogramPeak* peak = chromatogram->GetChromatPeakData(p);
-                    m_first.try_emplace(peak->GetPeakID(), chromatogram, peak);
-                }
-            }
-        }
-    }
-
-    // The peak and its chromatogram; nulls when no peak has the identifier.
-    std::pair<CChromatoData*, CChromatogramPeak*> Find(int peakID) const {
-        const auto found = m_first.find(peakID);
-        return found != m_first.end() ? found->second
-                                      : std::pair<CChromatoData*, CChromatogramPeak*>{};
-    }
-
-private:
-    std::unordered_map<int, std::pair<CChromatoData*, CChromatogramPeak*>> m_first;
-};
-
 // Calls visit for every low-energy metabolite before the first MS/MS correlation metabolite that
 // has both a trace (CMetaboliteData::GetTrace) and a peak.
 template <class Visit>
-void ForEachAreaMember(CSampleData& sample, const FirstPeaks& peaks, Visit visit) {
+void ForEachAreaMember(CSampleData& sample, const CPeakIndex& peaks, Visit visit) {
     for (int i = 0; i < sample.GetMetaboliteCount(); ++i) {
         CMetaboliteData* metabolite = sample.GetMetabolite(i);
         if (metabolite == nullptr || metabolite->IsHiEnergy())
             continue;
         if (metabolite->IsMSMSCorrelation())
             return;
-        const auto [holder, peak] = peaks.Find(metabolite->GetPeakNum());
+        const auto [holder, peak] = peaks.FirstPeak(metabolite->GetPeakNum());
         CChromatoData* trace =
             metabolite->GetTraceNum() < 1 ? holder : sample.GetTrace(metabolite->GetTraceNum());
         if (trace == nullptr || peak == nullptr)
@@ -94,13 +65,13 @@ void CSampleData::DetermineAreaTotals() {
     for (auto& group : m_AreaTotals)
         for (double& total : group)
             total = 0.0;
-    ForEachAreaMember(*this, FirstPeaks(*this), [this](const AreaMember& member) {
+    ForEachAreaMember(*this, CPeakIndex(*this), [this](const AreaMember& member) {
         m_AreaTotals[member.group][member.kind] += member.peak->GetAreaAbs();
     });
 }
 
 void CSampleData::CalculateMetabolitePercentAreas(bool applyFilters) {
-    const FirstPeaks peaks(*this);
+    const CPeakIndex peaks(*this);
     double foundTotals[2][3] = {};
     auto rejected = [&](const AreaMember& member) {
         return applyFilters && !member.metabolite->ApplyDataFilters(m_pParams, false);

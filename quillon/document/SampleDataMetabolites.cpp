@@ -1,5 +1,6 @@
 // The sample's metabolite array: its three groups, the metabolite sections of a report and their
 // writers.
+#include <quillon/document/PeakIndex.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/metabolites/MetaboliteNames.h>
 
@@ -211,19 +212,46 @@ void CSampleData::SetHighEnergyMetaboliteCount() {
 }
 
 int CSampleData::ReadMetabolite(CDelimitFile* file, bool expected) {
+    // Within a sample's Read the index of the sample's reading is used; a section read on its own
+    // indexes the sample once for all its rows.
+    CPeakIndex own;
+    const CPeakIndex& peaks = ReadingPeakIndex(own);
     CFileRecord record;
     while (record.Read(file)) {
-        if (record.GetType() == RECORD_FIELD)
-            MSMetaboliteNewField(*record.GetInput(), expected);
+        if (record.GetType() != RECORD_FIELD)
+            continue;
+        const CStringArray& row = *record.GetInput();
+        // A row begins with its compound's number; a line that does not is still read as a row
+        // of compound 0, as it always was, but noted.
+        size_t used = 0;
+        ParseInt(row[0].view(), used);
+        if (used == 0)
+            file->NoteProblem(CReadReport::StrayRecord,
+                              expected ? "EXPECTED METABOLITES" : "UNEXPECTED METABOLITES",
+                              row[0].view());
+        MSMetaboliteNewField(row, expected, peaks);
     }
     return 1;
+}
+
+const CPeakIndex& CSampleData::ReadingPeakIndex(CPeakIndex& own) {
+    CPeakIndex& index = m_pReadingPeakIndex != nullptr ? *m_pReadingPeakIndex : own;
+    if (!index.IsBuilt())
+        index.Build(*this);
+    return index;
+}
+
+int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected) {
+    CPeakIndex own;
+    return MSMetaboliteNewField(row, expected, ReadingPeakIndex(own));
 }
 
 // The looked-up values of an MS row: the peak gives the retention time and the area (no peak: time
 // 0, area -1); the compound gives the parent mass; a diode-array or analog function with a
 // cluster marks the metabolite as analog/PDA; a mass of the peak's spectrum within 0.0001 of the
 // found m/z tells whether the peak is an isotope peak.
-int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected) {
+int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected,
+                                      const CPeakIndex& index) {
     const int count = row.GetSize();
     const int compound = count > 0 ? ParseInt(row[0]) : 0;
     const double precursor = count > 1 ? ParseDouble(row[1]) : 0.0;
@@ -252,19 +280,18 @@ int CSampleData::MSMetaboliteNewField(const CStringArray& row, bool expected) {
         if (!ScanPeakIdentifier(text, id) || id.peak < 0)
             return;
         if (id.cluster < 1)
-            id.cluster = RetrievePeakClusterNum(id.peak, id.trace);
+            id.cluster = index.PeakCluster(id.peak);
         double time = 0.0;
         double area = -1.0;
-        if (const CChromatogramPeak* peak =
-                GetCorispondingPeakInfo(id.peak, id.function, id.trace)) {
+        if (const CChromatogramPeak* peak = index.Peak(id.peak, id.function, id.trace)) {
             time = peak->GetTime();
             area = peak->GetAreaAbs();
         }
         bool analogPDA = false;
-        if (const CFunctionData* function = GetFunctionWithNumber(id.function))
+        if (const CFunctionData* function = index.Function(id.function))
             analogPDA = function->GetTraceType() != MS_TRACE && id.cluster > 0;
         bool isotope = false;
-        if (const CSpectrumData* spectrum = GetCorrespondingSpectrum(id.peak)) {
+        if (const CSpectrumData* spectrum = index.Spectrum(id.peak)) {
             for (const CMassesData& mass : *spectrum->MassesGet()) {
                 if (std::fabs(mass.GetObserved() - id.mz) <= kSameMass) {
                     isotope = mass.IsIsotope();

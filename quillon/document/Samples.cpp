@@ -11,7 +11,9 @@
 #include <cstring>
 #include <ctime>
 #include <functional>
+#include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace quillon {
@@ -80,10 +82,45 @@ CSamples& CSamples::operator=(const CSamples& source) {
     return *this;
 }
 
+namespace {
+
+// A report file read from a path that moves the host's progress bar over the file's length, in
+// thousandths of it. The position is asked for once every few thousand lines, not once a line.
+class CProgressReportFile : public CDelimitFile {
+public:
+    static constexpr int kSteps = 1000;
+
+    void BeginReading(const char* path) {
+        m_length = GetLength();
+        BeginProgress(CString("Reading ") + path, 0, kSteps);
+    }
+    void UpdateStatus() override {
+        if ((++m_lines & kLinesPerUpdate) != 0 || m_length <= 0)
+            return;
+        const int reached = static_cast<int>(GetPosition() * kSteps / m_length);
+        if (reached > m_shown) {
+            StepProgress(reached - m_shown);
+            m_shown = reached;
+        }
+    }
+
+private:
+    static constexpr uint64_t kLinesPerUpdate = (uint64_t{1} << 12) - 1;
+    int64_t m_length = 0;
+    uint64_t m_lines = 0;
+    int m_shown = 0;
+};
+
+} // namespace
+
 int CSamples::Read(const char* path) {
-    CDelimitFile file;
+    CProgressReportFile file;
     if (!file.Open(path, CFile::modeRead))
         return 0;
+    file.BeginReading(path);
+    struct EndProgressOnExit {
+        ~EndProgressOnExit() { EndProgress(); }
+    } end;
     return Read(&file);
 }
 
@@ -93,6 +130,18 @@ int CSamples::Read(CDelimitFile* file) {
     // section this library does not know never ends the reading of the samples after it.
     // A read error between samples ends the reading with a message, like one inside a sample.
     m_ReadReport = CReadReport();
+    // The section readers note what they pass over in the same report, while this Read lasts.
+    struct NoteIntoReport {
+        CDelimitFile* file;
+        ~NoteIntoReport() {
+            if (file != nullptr)
+                file->SetReadReport(nullptr);
+        }
+    } noteInto{file};
+    if (file != nullptr)
+        file->SetReadReport(&m_ReadReport);
+    // The numbers of the samples read, to note a sample read twice.
+    std::unordered_set<int> numbers;
     // Samples are gathered in file order and put into number order once at the end, as AddSample
     // would have placed them one by one: equal numbers keep their file order behind the samples
     // already held. (Inserting each in turn moves every later sample: quadratic in a report whose
@@ -106,10 +155,13 @@ int CSamples::Read(CDelimitFile* file) {
         return index < GetSamplesCount() ? m_Samples[index]
                                          : read[static_cast<size_t>(index - GetSamplesCount())];
     };
-    auto readNew = [&]() {
+    auto readNew = [&](int64_t headerLine) {
         CSampleData sample;
-        if (!ReadSampleRecord(file, sample))
+        if (!ReadSampleRecord(file, sample, headerLine))
             return;
+        if (!numbers.insert(sample.GetNumber()).second)
+            m_ReadReport.Add(CReadReport::DuplicateSample, std::to_string(sample.GetNumber()),
+                             static_cast<int64_t>(sample.GetFilePosStart()), headerLine);
         sample.SetFileEntry(GetSamplesCount() + static_cast<int>(read.size()));
         m_SampleStarts.push_back(static_cast<int64_t>(sample.GetFilePosStart()));
         const int index = GetSamplesCount() + static_cast<int>(read.size());
@@ -119,52 +171,58 @@ int CSamples::Read(CDelimitFile* file) {
     };
     if (file != nullptr) {
         int64_t lineStart = 0;
+        int64_t line = 0;
         try {
             CStringArray fields;
             int type = RECORD_EMPTY;
             int previousType = RECORD_EMPTY;
             int strayDepth = 0;
             int64_t strayStart = 0;
+            int64_t strayLine = 0;
             CString strayName;
             while (file->ReadDelimitedString(fields, &type)) {
                 lineStart = LineStart(*file);
+                line = file->GetLineNumber();
                 if (type == RECORD_BLOCK_START) {
                     if (strayDepth == 0) {
                         strayStart = lineStart;
+                        strayLine = line;
                         if (previousType != RECORD_PARAGRAPH) {
                             strayName = "";
-                            m_ReadReport.Add(CReadReport::StrayBlock, "", lineStart);
+                            m_ReadReport.Add(CReadReport::StrayBlock, "", lineStart, line);
                         }
                     }
                     ++strayDepth;
                 } else if (type == RECORD_BLOCK_END) {
                     if (strayDepth == 0)
-                        m_ReadReport.Add(CReadReport::StrayBlockEnd, "}", lineStart);
+                        m_ReadReport.Add(CReadReport::StrayBlockEnd, "}", lineStart, line);
                     strayDepth = strayDepth > 0 ? strayDepth - 1 : 0;
                 } else if (type == RECORD_PARAGRAPH && strayDepth == 0) {
                     if (fields[0] == "SAMPLE" || (fields[0] == "SAMPLE_APPEND" && last < 0)) {
-                        readNew();
-                        NoteOpenSampleBlock(file, lineStart, fields[0]);
+                        readNew(line);
+                        NoteOpenSampleBlock(file, lineStart, line, fields[0]);
                     } else if (fields[0] == "SAMPLE_APPEND") {
-                        AppendRecord(file, sampleAt(last));
-                        NoteOpenSampleBlock(file, lineStart, fields[0]);
+                        AppendRecord(file, sampleAt(last), line);
+                        NoteOpenSampleBlock(file, lineStart, line, fields[0]);
                     } else {
                         strayName = fields[0];
-                        m_ReadReport.Add(CReadReport::UnknownSection, fields[0], lineStart);
+                        m_ReadReport.Add(CReadReport::UnknownSection, fields[0].view(), lineStart,
+                                         line);
                     }
                 } else if (type == RECORD_FIELD && strayDepth == 0) {
-                    m_ReadReport.Add(CReadReport::StrayLine, fields.GetSize() > 0 ? fields[0] : "",
-                                     lineStart);
+                    m_ReadReport.Add(CReadReport::StrayLine,
+                                     fields.GetSize() > 0 ? fields[0].view() : "", lineStart, line);
                 }
                 previousType = type;
             }
             if (strayDepth > 0)
-                m_ReadReport.Add(CReadReport::OpenBlock, strayName, strayStart);
+                m_ReadReport.Add(CReadReport::OpenBlock, strayName.view(), strayStart, strayLine);
         } catch (const CException& exception) {
-            m_ReadReport.Add(CReadReport::SampleError, "", lineStart,
-                             ReportReadingError(&exception));
+            m_ReadReport.Add(CReadReport::SampleError, "", lineStart, line,
+                             ReportReadingError(&exception).view());
         } catch (...) {
-            m_ReadReport.Add(CReadReport::SampleError, "", lineStart, ReportReadingError(nullptr));
+            m_ReadReport.Add(CReadReport::SampleError, "", lineStart, line,
+                             ReportReadingError(nullptr).view());
         }
     }
     std::sort(m_SampleStarts.begin(), m_SampleStarts.end());
@@ -175,18 +233,21 @@ int CSamples::Read(CDelimitFile* file) {
     return 1;
 }
 
-void CSamples::NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, const CString& name) {
+void CSamples::NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, int64_t sampleLine,
+                                   const CString& name) {
     // A sample's reader stops at the "}" closing its block or at the end of the file; only at the
     // end of the file is the last line read again to tell the two apart.
     if (file->GetPosition() < file->GetLength())
         return;
     const int64_t end = file->GetPosition();
+    const int64_t lines = file->GetLineNumber();
     file->Seek(LineStart(*file), CFile::begin);
     CString last;
     const bool closed = file->ReadString(last) && last.view().find('}') != std::string_view::npos;
     file->Seek(end, CFile::begin);
+    file->SetLineNumber(lines);
     if (!closed)
-        m_ReadReport.Add(CReadReport::OpenBlock, name, sampleStart);
+        m_ReadReport.Add(CReadReport::OpenBlock, name.view(), sampleStart, sampleLine);
 }
 
 void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
@@ -201,12 +262,12 @@ void CSamples::DeriveMetaboliteResults(CSampleData& sample) {
 
 int CSamples::ReadSample(CDelimitFile* file) {
     CSampleData sample;
-    if (file == nullptr || !ReadSampleRecord(file, sample))
+    if (file == nullptr || !ReadSampleRecord(file, sample, file->GetLineNumber()))
         return GetSamplesCount() - 1;
     return AddSample(std::move(sample));
 }
 
-bool CSamples::ReadSampleRecord(CDelimitFile* file, CSampleData& sample) {
+bool CSamples::ReadSampleRecord(CDelimitFile* file, CSampleData& sample, int64_t headerLine) {
     // The section starts where its header line did, whatever its line end.
     const int64_t start = LineStart(*file);
     try {
@@ -217,9 +278,11 @@ bool CSamples::ReadSampleRecord(CDelimitFile* file, CSampleData& sample) {
         sample.SetParams(m_pParams);
         return true;
     } catch (const CException& exception) {
-        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, ReportReadingError(&exception));
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, headerLine,
+                         ReportReadingError(&exception).view());
     } catch (...) {
-        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, ReportReadingError(nullptr));
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE", start, headerLine,
+                         ReportReadingError(nullptr).view());
     }
     return false;
 }
@@ -230,21 +293,21 @@ int CSamples::AppendSample(CDelimitFile* file) {
     CSampleData* last = GetSample();
     if (last == nullptr)
         return ReadSample(file);
-    AppendRecord(file, *last);
+    AppendRecord(file, *last, file->GetLineNumber());
     return GetSamplesCount() - 1;
 }
 
-void CSamples::AppendRecord(CDelimitFile* file, CSampleData& sample) {
+void CSamples::AppendRecord(CDelimitFile* file, CSampleData& sample, int64_t headerLine) {
     const int64_t start = LineStart(*file);
     try {
         sample.Read(file);
         sample.SetFilePosEnd(static_cast<unsigned long>(file->GetPosition()));
     } catch (const CException& exception) {
-        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start,
-                         ReportReadingError(&exception));
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start, headerLine,
+                         ReportReadingError(&exception).view());
     } catch (...) {
-        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start,
-                         ReportReadingError(nullptr));
+        m_ReadReport.Add(CReadReport::SampleError, "SAMPLE_APPEND", start, headerLine,
+                         ReportReadingError(nullptr).view());
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <quillon/document/ReadReport.h>
 #include <quillon/document/SampleData.h>
+#include <quillon/file/ReadReport.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/Object.h>
 
@@ -123,9 +123,9 @@ private:
     void RemoveDuplicates();
     // Reads one "[SAMPLE]" section into sample, with its place in the file and the browser
     // parameters; false (after showing why) when reading failed.
-    bool ReadSampleRecord(CDelimitFile* file, CSampleData& sample);
+    bool ReadSampleRecord(CDelimitFile* file, CSampleData& sample, int64_t headerLine);
     // Reads a "SAMPLE_APPEND" section into sample; a failure is shown.
-    void AppendRecord(CDelimitFile* file, CSampleData& sample);
+    void AppendRecord(CDelimitFile* file, CSampleData& sample, int64_t headerLine);
     // Puts the samples among those held in number order, as AddSample would one by one, in
     // linear-logarithmic time; control links of the samples held are kept.
     void AddSamplesInOrder(std::vector<CSampleData>&& added);
@@ -149,7 +149,8 @@ private:
     // its position); always true for a collection not read from a file.
     bool StartsSample(CDelimitFile& in) const;
     // Notes a sample whose block the file ended inside (only checked at the end of the file).
-    void NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, const CString& name);
+    void NoteOpenSampleBlock(CDelimitFile* file, int64_t sampleStart, int64_t sampleLine,
+                             const CString& name);
 
     CArray<CSampleData> m_Samples;
     CDivBroParams* m_pParams = nullptr;

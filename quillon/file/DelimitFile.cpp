@@ -1,6 +1,7 @@
 #include <quillon/file/DelimitFile.h>
 
 #include <quillon/file/FieldFormat.h>
+#include <quillon/platform/Numbers.h>
 
 #include <algorithm>
 #include <cstdarg>
@@ -211,6 +212,26 @@ int CDelimitFile::ReadFieldViews(std::string_view* fields, int maxFields, int* t
         *type = kind;
     UpdateStatus();
     return count;
+}
+
+void CDelimitFile::NoteProblem(CReadReport::Kind kind, std::string_view name,
+                               std::string_view detail) {
+    if (m_pReadReport == nullptr)
+        return;
+    const int64_t end = GetPosition();
+    const int64_t start = end > GetLastLineLength() ? end - GetLastLineLength() : 0;
+    m_pReadReport->Add(kind, name, start, GetLineNumber(), detail);
+}
+
+bool CDelimitFile::NoteIfNotNumber(std::string_view field, std::string_view text) {
+    if (text.find_first_not_of(" \t") == std::string_view::npos)
+        return true;
+    size_t used = 0;
+    ParseDouble(text, used);
+    if (used > 0)
+        return true;
+    NoteProblem(CReadReport::BadNumber, field, text);
+    return false;
 }
 
 bool CDelimitFile::IsSectionHeader(std::string_view line) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <quillon/file/ReadReport.h>
 #include <quillon/platform/Array.h>
 #include <quillon/platform/StdioFileS.h>
 
@@ -64,6 +65,19 @@ public:
     int ReadFieldViews(std::string_view* fields, int maxFields, int* type);
     // Called after every line ReadDelimitedString reads; a derived file can report progress here.
     virtual void UpdateStatus() {}
+
+    // Problems found while reading. Readers note here what they pass over or take as a default;
+    // without a read report set (the default) nothing is noted. The report is not owned.
+    void SetReadReport(CReadReport* report) { m_pReadReport = report; }
+    CReadReport* GetReadReport() const { return m_pReadReport; }
+    // Notes a problem of the line just read, with its offset and line number.
+    void NoteProblem(CReadReport::Kind kind, std::string_view name, std::string_view detail = {});
+    // Notes a field of the line just read that should hold a number and holds none: a text that
+    // is neither blank nor begins with a number, which reading takes as 0. Returns whether the
+    // text holds a number (or is blank).
+    //   NoteIfNotNumber("SubjectTime", "sixty") -> false, a BadNumber entry
+    //   NoteIfNotNumber("SubjectTime", "60 min") -> true (read as 60)
+    bool NoteIfNotNumber(std::string_view field, std::string_view text);
 
     // The kind of a raw line, by the one rule the reader classifies lines with: the line's first
     // field decides. "[SAMPLE] " and "[SAMPLE]\tx" are section headers named "SAMPLE" (the name
@@ -146,6 +160,7 @@ private:
     CString m_lineEnd;
 
     bool m_markerStart[256] = {}; // the first bytes of the markers, and of the delimiters
+    CReadReport* m_pReadReport = nullptr;
 };
 
 } // namespace quillon

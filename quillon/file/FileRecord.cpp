@@ -74,6 +74,16 @@ int CFileRecord::Read(CDelimitFile* file) {
     return 0;
 }
 
+void CFileRecord::NoteUnlessNumber(CDelimitFile& file, std::string_view first, size_t firstUsed,
+                                   std::string_view second, size_t secondUsed) {
+    // Blanks (and a carriage return left by a stray line end) may follow a number.
+    const auto whole = [](std::string_view field, size_t used) {
+        return used > 0 && field.find_first_not_of(" \t\r", used) == std::string_view::npos;
+    };
+    if (!whole(first, firstUsed) || !whole(second, secondUsed))
+        file.NoteProblem(CReadReport::StrayRecord, "", first);
+}
+
 bool CFileRecord::ReadNumberPair(CDelimitFile* file, double& first, double& second) {
     if (file == nullptr)
         return false;
@@ -83,11 +93,18 @@ bool CFileRecord::ReadNumberPair(CDelimitFile* file, double& first, double& seco
     while ((count = file->ReadFieldViews(fields, 2, &type)) >= 0) {
         switch (type) {
         case RECORD_FIELD:
-            if (m_depth < 2 && count == 2) {
-                first = ParseDouble(fields[0]);
-                second = ParseDouble(fields[1]);
+            if (m_depth >= 2)
+                break;
+            if (count == 2) {
+                size_t firstUsed = 0;
+                size_t secondUsed = 0;
+                first = ParseDouble(fields[0], firstUsed);
+                second = ParseDouble(fields[1], secondUsed);
+                if (firstUsed != fields[0].size() || secondUsed != fields[1].size())
+                    NoteUnlessNumber(*file, fields[0], firstUsed, fields[1], secondUsed);
                 return true;
             }
+            file->NoteProblem(CReadReport::StrayRecord, "", fields[0]);
             break;
         case RECORD_BLOCK_START:
         case RECORD_BLOCK_END:

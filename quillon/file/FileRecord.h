@@ -59,7 +59,10 @@ public:
     // numbers, read as ParseDouble reads them, until this record's block has closed or the file
     // ends. Other lines, nested sections and their blocks are passed over, as the loop above
     // would with a field handler that needs two fields. No strings are built for the lines.
-    //   "12.5\t300" -> onPair(12.5, 300.0)      "12.5" -> nothing
+    // A line of the block that is not two numbers is noted in the file's read report (and still
+    // read as ParseDouble reads it when it has two fields).
+    //   "12.5\t300" -> onPair(12.5, 300.0)      "12.5" -> nothing, noted
+    //   "9.0x\t300" -> onPair(9.0, 300.0), noted
     template <class OnPair>
     void ReadNumberPairs(CDelimitFile* file, OnPair&& onPair) {
         double first = 0.0;
@@ -90,6 +93,10 @@ private:
     // Reads on to the next field line of this record's block with two fields or more and parses
     // them; false at the end of the block or of the file.
     bool ReadNumberPair(CDelimitFile* file, double& first, double& second);
+    // Notes the line in the file's read report unless both fields are whole numbers (up to
+    // trailing blanks); used is how much of each field the number took.
+    static void NoteUnlessNumber(CDelimitFile& file, std::string_view first, size_t firstUsed,
+                                 std::string_view second, size_t secondUsed);
     // Counts a block line of the given type: "{" goes one level deeper, "}" one back (never below
     // the record's own level). True when it is the "}" that closes the record's own block.
     bool CountBlockLine(int type);

@@ -63,6 +63,7 @@ BOOL CStdioFile::Open(const char* fileName, UINT openFlags, CFileException* erro
         CloseQuietly();
     m_pStream = nullptr;
     m_readStart = m_readEnd = 0;
+    m_lineNumber = 0;
     m_strFileName = fileName;
 
     const UINT access = openFlags & 0x3;
@@ -183,6 +184,7 @@ std::string_view CStdioFile::BufferedInput() {
 
 std::string_view CStdioFile::TakeLine(std::string_view raw) {
     m_lastLineLength = static_cast<int64_t>(raw.size());
+    ++m_lineNumber;
     if (raw.empty() || raw.back() != '\n')
         return raw;
     raw.remove_suffix(1);
@@ -302,7 +304,10 @@ int64_t CStdioFile::Seek(int64_t offset, UINT from) {
     DropReadAhead();
     if (::fseeko(m_pStream, offset, origin) != 0)
         ThrowError("seek in", errno);
-    return GetPosition();
+    const int64_t position = GetPosition();
+    if (position == 0)
+        m_lineNumber = 0;
+    return position;
 }
 
 int64_t CStdioFile::GetLength() const {

@@ -43,6 +43,11 @@ public:
     // The bytes the last whole-line ReadString consumed, its line end ("\n" or "\r\n")
     // included; 0 after end of file.
     int64_t GetLastLineLength() const { return m_lastLineLength; }
+    // The number (from 1) of the line the last whole-line read took: the whole lines read since
+    // the file was opened or sought to its start. A reader that seeks back to read lines again
+    // sets it back to what it was there.
+    int64_t GetLineNumber() const { return m_lineNumber; }
+    void SetLineNumber(int64_t number) { m_lineNumber = number; }
     // Writes the text as it stands (up to its first NUL byte).
     virtual void WriteString(const char* text);
     // Writes the bytes as they are, NUL bytes included.
@@ -84,6 +89,7 @@ private:
     void DropReadAhead();
 
     int64_t m_lastLineLength = 0;
+    int64_t m_lineNumber = 0;
     bool m_bLineEndKnown = false;
     bool m_bCrLfRead = false;
     // The read buffer: bytes [m_readStart, m_readEnd) are read from the stream but not yet taken.

@@ -25,7 +25,7 @@ void RegisterFragments(CLI::App& app, GlobalOptions& options) {
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
         CSamples samples;
-        LoadReport(settings->path, samples);
+        LoadReport(settings->path, samples, options);
         CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
         const CFragmentAnalysis* analysis =
             &RunFragmentAnalysis(sample, settings->settings, settings->path, options);
@@ -91,7 +91,7 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
         CSamples samples;
-        LoadReport(settings->path, samples);
+        LoadReport(settings->path, samples, options);
         CArray<CMetabolicStabilityInfo> series;
         samples.CreateMetabolicStabilityAnalysis(series, settings->parameters);
         auto flagsText = [](const CMetabolicStabilityInfo& info) {

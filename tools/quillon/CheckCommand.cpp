@@ -1,11 +1,9 @@
-// check: reads a report and lists what reading passed over or could not read (the library's read
-// report, with line numbers), and samples that appear more than once.
+// check: reads a report and lists what reading passed over, could not read or took as a default
+// (the library's read report, with line numbers).
 #include "Commands.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
-#include <map>
 #include <memory>
 
 namespace quillon::tool {
@@ -14,6 +12,7 @@ namespace {
 
 std::string Finding(const CReadReport::Entry& entry) {
     const std::string name = entry.name.str();
+    const std::string detail = entry.detail.str();
     switch (entry.kind) {
     case CReadReport::UnknownSection:
         return "unknown section [" + name + "] skipped with its block";
@@ -24,34 +23,19 @@ std::string Finding(const CReadReport::Entry& entry) {
     case CReadReport::StrayLine:
         return "a line outside any section (\"" + name + "\") passed over";
     case CReadReport::SampleError:
-        return "a sample could not be read and was left out: " + entry.detail.str();
+        return "a sample could not be read and was left out: " + detail;
     case CReadReport::OpenBlock:
         return "the block of [" + name + "] is left open at the end of the file";
+    case CReadReport::BadNumber:
+        return "\"" + name + "\" holds \"" + detail + "\", not a number: read as 0";
+    case CReadReport::StrayRecord:
+        return "a line that is no record of " +
+               (name.empty() ? std::string("its data block") : "[" + name + "]") + " (\"" + detail +
+               "\") passed over";
+    case CReadReport::DuplicateSample:
+        return "sample " + name + " appears again (the report holds it twice)";
     }
     return {};
-}
-
-// The line number (from 1) of each offset, counting the line ends before it in one pass.
-std::map<int64_t, int64_t> LineNumbers(const std::string& path, std::vector<int64_t> offsets) {
-    std::sort(offsets.begin(), offsets.end());
-    std::map<int64_t, int64_t> lines;
-    std::ifstream file(path, std::ios::binary);
-    std::vector<char> buffer(1 << 16);
-    int64_t position = 0;
-    int64_t line = 1;
-    size_t next = 0;
-    while (next < offsets.size() && file) {
-        file.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-        const std::streamsize read = file.gcount();
-        for (std::streamsize i = 0; i < read && next < offsets.size(); ++i, ++position) {
-            while (next < offsets.size() && offsets[next] == position)
-                lines[offsets[next++]] = line;
-            line += buffer[static_cast<size_t>(i)] == '\n' ? 1 : 0;
-        }
-    }
-    for (; next < offsets.size(); ++next)
-        lines[offsets[next]] = line;
-    return lines;
 }
 
 } // namespace
@@ -59,9 +43,11 @@ std::map<int64_t, int64_t> LineNumbers(const std::string& path, std::vector<int6
 void RegisterCheck(CLI::App& app, GlobalOptions& options) {
     auto path = std::make_shared<std::string>();
     CLI::App* command = app.add_subcommand(
-        "check", "Reads a report and reports what a careful reader would want to know: sections\n"
-                 "skipped, lines outside any section, samples that could not be read, duplicate\n"
-                 "samples, a block left open; exit code 1 when something was found\n"
+        "check", "Reads a report and lists, with line numbers, what reading passed over or took\n"
+                 "as a default: sections skipped, lines outside any section or that are no\n"
+                 "record of their block, fields without the number they should hold, samples\n"
+                 "that could not be read or appear twice, a block left open; exit code 1 when\n"
+                 "something was found\n"
                  "  example: quillon check batch.txt");
     command->add_option("REPORT", *path, "The report file")->required();
     command->callback([path, &options] {
@@ -80,30 +66,23 @@ void RegisterCheck(CLI::App& app, GlobalOptions& options) {
         SetHostHooks(saved);
 
         const CReadReport& report = samples.GetReadReport();
-        std::vector<int64_t> offsets;
+        // In the order of the file (a sample's open block is only known at its end).
+        std::vector<const CReadReport::Entry*> entries;
         for (const CReadReport::Entry& entry : report.entries)
-            offsets.push_back(entry.offset);
-        const std::map<int64_t, int64_t> lines = LineNumbers(*path, offsets);
+            entries.push_back(&entry);
+        std::stable_sort(entries.begin(), entries.end(),
+                         [](const auto* a, const auto* b) { return a->line < b->line; });
         std::vector<std::string> findings;
-        for (const CReadReport::Entry& entry : report.entries)
-            findings.push_back("line " + std::to_string(lines.at(entry.offset)) + ": " +
-                               Finding(entry));
+        for (const CReadReport::Entry* entry : entries)
+            findings.push_back("line " + std::to_string(entry->line) + ": " + Finding(*entry));
         if (report.omitted > 0)
-            findings.push_back(std::to_string(report.omitted) + " more such lines not listed");
-
-        std::map<int, int> numbers;
-        for (int i = 0; i < samples.GetSamplesCount(); ++i)
-            ++numbers[samples.GetSample(i)->GetNumber()];
-        for (const auto& [number, count] : numbers) {
-            if (count > 1)
-                findings.push_back("sample " + std::to_string(number) + " appears " +
-                                   std::to_string(count) + " times");
-        }
+            findings.push_back(std::to_string(report.omitted) + " more problems not listed");
         for (const std::string& finding : findings)
             std::cout << *path << ": " << finding << "\n";
-        if (!findings.empty())
-            throw ToolError(std::to_string(findings.size()) + " problem(s) found in '" + *path +
-                            "'");
+        if (!report.IsClean())
+            throw ToolError(std::to_string(report.ProblemCount()) +
+                            (report.ProblemCount() == 1 ? " problem" : " problems") +
+                            " found in '" + *path + "'");
         Note(options, "'" + *path + "': " + std::to_string(samples.GetSamplesCount()) +
                           " samples, no problems found");
     });

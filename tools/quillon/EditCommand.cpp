@@ -80,7 +80,7 @@ void RegisterEdit(CLI::App& app, GlobalOptions& options) {
                             "--delete-elemental",
                             kExitUsage);
         CSamples samples;
-        LoadReport(settings->path, samples);
+        LoadReport(settings->path, samples, options);
         // Every edit is checked against the report as it will be when its turn comes, and
         // nothing is written unless all of them apply.
         for (const CMetaboliteEdit& edit : edits) {

@@ -168,7 +168,7 @@ void RegisterExport(CLI::App& app, GlobalOptions& options) {
                         "The JSON file (standard output when left out) or the CSV folder");
     command->callback([settings, &options] {
         CSamples samples;
-        LoadReport(settings->path, samples);
+        LoadReport(settings->path, samples, options);
         const Model model = Build(samples);
         const std::pair<const char*, const Table*> tables[] = {
             {"samples", &model.samples},

@@ -2,7 +2,6 @@
 // cancellation on Ctrl-C, the neutral-loss list from the chosen settings file.
 #include "Tool.h"
 
-#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -58,12 +57,7 @@ public:
 
 private:
     void Draw() const {
-        const int width = 30;
-        const double share =
-            std::clamp(double(m_position - m_lower) / (m_upper - m_lower), 0.0, 1.0);
-        const int filled = static_cast<int>(share * width);
-        std::fprintf(stderr, "\r%s[%s%s] %3d%%", m_text.c_str(), std::string(filled, '#').c_str(),
-                     std::string(width - filled, ' ').c_str(), static_cast<int>(share * 100));
+        DrawProgressBar(m_text, double(m_position - m_lower) / (m_upper - m_lower));
     }
 
     HostHooks m_saved;

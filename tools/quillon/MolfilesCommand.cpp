@@ -45,7 +45,7 @@ void RegisterMolfiles(CLI::App& app, GlobalOptions& options) {
                             "': " + std::strerror(errno));
 
         CSamples samples;
-        LoadReport(settings->path, samples);
+        LoadReport(settings->path, samples, options);
         CStringArray paths;
         if (!CMolfile::ReadList(paths))
             throw ToolError("cannot read '" + CMolfile::ListPath().str() + "'");

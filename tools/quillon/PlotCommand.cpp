@@ -153,7 +153,7 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
     command->add_option("-o,--output", settings->output, "The SVG file to write")->required();
     command->callback([settings, &options] {
         CSamples samples;
-        LoadReport(settings->path, samples);
+        LoadReport(settings->path, samples, options);
         CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
         const std::string where = "sample " + std::to_string(settings->sample);
         Chart chart;

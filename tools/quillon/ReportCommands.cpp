@@ -41,7 +41,7 @@ void RegisterInfo(CLI::App& app, GlobalOptions& options) {
     AddOutputOptions(*command, options);
     command->callback([path, &options] {
         CSamples samples;
-        LoadReport(*path, samples);
+        LoadReport(*path, samples, options);
         Table table{{"sample", "id", "type", "description", "time", "functions", "traces",
                      "expected", "unexpected", "msms", "found", "control"},
                     {},
@@ -110,7 +110,7 @@ void RegisterMetabolites(CLI::App& app, GlobalOptions& options) {
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
         CSamples samples;
-        LoadReport(settings->path, samples);
+        LoadReport(settings->path, samples, options);
         CDivBroParams params;
         if (settings->massDefect.size() == 2) {
             params.MassDefectFilterOn = true;
@@ -186,7 +186,7 @@ void RegisterSummary(CLI::App& app, GlobalOptions& options) {
     AddOutputOptions(*command, options);
     command->callback([path, &options] {
         CSamples samples;
-        LoadReport(*path, samples);
+        LoadReport(*path, samples, options);
         CArray<MetaboliteCountInfo> summary;
         samples.CreateOverallMSSummaryData(summary, -1, -1);
         Table table{{"metabolite", "shift"}, {}, {false, false}};

@@ -1,5 +1,6 @@
 #include "Tool.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -68,6 +70,52 @@ void LoadReport(const std::string& path, CSamples& samples) {
         throw ToolError("cannot read " + Quoted(path));
     if (samples.GetSamplesCount() == 0)
         throw ToolError(Quoted(path) + " is not a report: it holds no sample");
+}
+
+std::string ProblemsSummary(const std::string& path, size_t problems) {
+    return path + " has " + std::to_string(problems) + (problems == 1 ? " problem" : " problems") +
+           " (quillon check " + path + " lists them)";
+}
+
+void LoadReport(const std::string& path, CSamples& samples, const GlobalOptions& options) {
+    {
+        // The library reports its progress in thousandths of the file.
+        const HostHooks saved = GetHostHooks();
+        struct RestoreHooks {
+            const HostHooks& saved;
+            ~RestoreHooks() { SetHostHooks(saved); }
+        } restore{saved};
+        if (!options.quiet && ::isatty(STDERR_FILENO)) {
+            auto reached = std::make_shared<int>(0);
+            HostHooks hooks = saved;
+            const std::string text = "Reading " + path + " ";
+            hooks.beginProgress = [reached](const CString&, int, int) { *reached = 0; };
+            hooks.stepProgress = [reached, text](int amount) {
+                *reached += amount;
+                DrawProgressBar(text, *reached / 1000.0);
+            };
+            hooks.endProgress = [reached] {
+                if (*reached > 0)
+                    std::fprintf(stderr, "\r\033[K");
+            };
+            SetHostHooks(hooks);
+        }
+        LoadReport(path, samples);
+    }
+    const CReadReport& report = samples.GetReadReport();
+    if (report.IsClean())
+        return;
+    if (options.strict)
+        throw ToolError(ProblemsSummary(path, report.ProblemCount()));
+    std::cerr << "quillon: warning: " << ProblemsSummary(path, report.ProblemCount()) << "\n";
+}
+
+void DrawProgressBar(const std::string& text, double share) {
+    const int width = 30;
+    share = std::clamp(share, 0.0, 1.0);
+    const int filled = static_cast<int>(share * width);
+    std::fprintf(stderr, "\r%s[%s%s] %3d%%", text.c_str(), std::string(filled, '#').c_str(),
+                 std::string(width - filled, ' ').c_str(), static_cast<int>(share * 100));
 }
 
 CSampleData& SampleByNumber(CSamples& samples, int number, const std::string& path) {

@@ -32,6 +32,7 @@ struct ToolError : std::runtime_error {
 // The options all subcommands share.
 struct GlobalOptions {
     bool quiet = false;
+    bool strict = false;          // a report with problems is an error, not a warning
     std::string format = "table"; // table, csv or json
     std::string output;           // empty: standard output
 };
@@ -45,6 +46,17 @@ void AddOutputOptions(CLI::App& command, GlobalOptions& options);
 // Reads a report into samples. Throws ToolError naming the file and the reason: missing, a
 // folder, not a regular file, unreadable, or not a report (no sample in it).
 void LoadReport(const std::string& path, CSamples& samples);
+// The same for a subcommand that goes on to use what it read: a progress bar while reading on a
+// terminal (not when quiet), and when the read report is not clean, one warning line on standard
+// error (even when quiet), or with --strict a ToolError (exit 1) before any output:
+//   "batch.txt has 3 problems (quillon check batch.txt lists them)"
+void LoadReport(const std::string& path, CSamples& samples, const GlobalOptions& options);
+// The line above, for a report with that many problems (1: "1 problem").
+std::string ProblemsSummary(const std::string& path, size_t problems);
+
+// Draws a progress bar on standard error in place of the previous one: the text, then the bar
+// filled to share (0..1) and the percentage.
+void DrawProgressBar(const std::string& text, double share);
 
 // The sample with that number; throws ToolError when the report has none.
 CSampleData& SampleByNumber(CSamples& samples, int number, const std::string& path);

@@ -14,7 +14,11 @@ int main(int argc, char** argv) {
     // Options of the whole tool (--quiet) may also follow the subcommand.
     app.fallthrough();
     GlobalOptions options;
-    app.add_flag("-q,--quiet", options.quiet, "No messages on standard error");
+    app.add_flag("-q,--quiet", options.quiet,
+                 "No messages on standard error, except the warning about a damaged report");
+    app.add_flag("--strict", options.strict,
+                 "A report with problems (see the check subcommand) is an error (exit code 1)\n"
+                 "instead of a warning");
     for (const Registration& add :
          {Registration(RegisterInfo), Registration(RegisterMetabolites),
           Registration(RegisterSummary), Registration(RegisterFragments),
