@@ -133,11 +133,12 @@ int CSamples::Read(CDelimitFile* file) {
     // The section readers note what they pass over in the same report, while this Read lasts.
     struct NoteIntoReport {
         CDelimitFile* file;
+        CReadReport* previous;
         ~NoteIntoReport() {
             if (file != nullptr)
-                file->SetReadReport(nullptr);
+                file->SetReadReport(previous);
         }
-    } noteInto{file};
+    } noteInto{file, file != nullptr ? file->GetReadReport() : nullptr};
     if (file != nullptr)
         file->SetReadReport(&m_ReadReport);
     // The numbers of the samples read, to note a sample read twice.

@@ -94,6 +94,15 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
         LoadReport(settings->path, samples, options);
         CArray<CMetabolicStabilityInfo> series;
         samples.CreateMetabolicStabilityAnalysis(series, settings->parameters);
+        for (const CMetabolicStabilityInfo& info : series) {
+            std::string used;
+            for (const auto& point : info.points)
+                if (point.usedInFit)
+                    used += (used.empty() ? "" : ", ") + std::string("sample ") +
+                            std::to_string(point.sampleNumber) + " at " + Fixed(point.time, 1) +
+                            " min";
+            Note(options, info.parent.str() + ": fitted " + (used.empty() ? "no sample" : used));
+        }
         auto flagsText = [](const CMetabolicStabilityInfo& info) {
             std::string text;
             const std::pair<int, const char*> names[] = {

@@ -91,8 +91,10 @@ void LoadReport(const std::string& path, CSamples& samples, const GlobalOptions&
             const std::string text = "Reading " + path + " ";
             hooks.beginProgress = [reached](const CString&, int, int) { *reached = 0; };
             hooks.stepProgress = [reached, text](int amount) {
+                const int percent = *reached / 10; // drawn again when the percentage moves
                 *reached += amount;
-                DrawProgressBar(text, *reached / 1000.0);
+                if (*reached / 10 != percent)
+                    DrawProgressBar(text, *reached / 1000.0);
             };
             hooks.endProgress = [reached] {
                 if (*reached > 0)

@@ -148,15 +148,35 @@ grep -q "Is a directory" "$work/err" || fail "folder message"
 head -c 4000 /dev/urandom >"$work/garbage.txt"
 expect 1 "$quillon" info "$work/garbage.txt"
 grep -q "not a report" "$work/err" || fail "garbage message"
-printf '[SAMPLE]\n{\nSample\t1\n[FUNCTION]\n{\n' >"$work/cut.txt"
+# Damaged copies of the example: check names each problem with its line; an analysis warns once
+# on standard error and goes on; --strict makes it an error before any output.
+time_line=$(grep -n "^SubjectTime	[1-9]" "$example" | head -1 | cut -d: -f1)
+sed "${time_line}s/	.*/	sixty/" "$example" >"$work/sixty.txt"
+points_line=$(grep -n "^\[TRACE\]" "$example" | head -1 | cut -d: -f1)
+sed "$((points_line + 2))i garbage line" "$example" >"$work/garbage-line.txt"
+cat "$example" "$example" >"$work/twice.txt"
+last_sample=$(grep -n "^\[SAMPLE\]" "$example" | tail -1 | cut -d: -f1)
+head -n $((last_sample + 40)) "$example" >"$work/cut.txt"
+expect 1 "$quillon" check "$work/sixty.txt"
+grep -qx "$work/sixty.txt: line $time_line: \"SubjectTime\" holds \"sixty\", not a number: read as 0" "$work/out" || fail "check does not see the time that is no number: $(cat "$work/out")"
+expect 1 "$quillon" check "$work/garbage-line.txt"
+grep -q "line $((points_line + 2)): a line that is no record of its data block (\"garbage line\")" "$work/out" || fail "check does not see the garbage line: $(cat "$work/out")"
+expect 1 "$quillon" check "$work/twice.txt"
+[ "$(grep -c "appears again" "$work/out")" -eq 6 ] || fail "check does not see each sample read twice"
+grep -q "line $(( $(wc -l <"$example") + 5 )): sample 1 appears again" "$work/out" || fail "the first duplicate's line"
 expect 1 "$quillon" check "$work/cut.txt"
-grep -q "line 1: the block of \[SAMPLE\] is left open" "$work/out" || fail "check does not see the open block"
-# What reading passes over is named with its line; the samples around it are still read.
-{ printf '[SAMPLE]\n{\nSample\t1\n}\n[NOTES]\n{\nx\n}\nloose\n'; printf '[SAMPLE]\n{\nSample\t1\n}\n'; } >"$work/skipped.txt"
+grep -q "line $last_sample: the block of \[SAMPLE\] is left open" "$work/out" || fail "check does not see the open block"
+expect 0 "$quillon" stability "$work/twice.txt"
+grep -qx "quillon: warning: $work/twice.txt has 6 problems (quillon check $work/twice.txt lists them)" "$work/err" || fail "no warning: $(cat "$work/err")"
+[ -s "$work/out" ] || fail "the analysis stopped after the warning"
+expect 1 "$quillon" stability --strict "$work/sixty.txt"
+[ ! -s "$work/out" ] || fail "--strict printed output"
+grep -qx "quillon: $work/sixty.txt has 1 problem (quillon check $work/sixty.txt lists them)" "$work/err" || fail "--strict message: $(cat "$work/err")"
+# What reading passes over at the top level is named with its line too.
+{ printf '[SAMPLE]\n{\nSample\t1\n}\n[NOTES]\n{\nx\n}\nloose\n'; printf '[SAMPLE]\n{\nSample\t2\n}\n'; } >"$work/skipped.txt"
 expect 1 "$quillon" check "$work/skipped.txt"
 grep -q "line 5: unknown section \[NOTES\]" "$work/out" || fail "check does not name the skipped section"
 grep -q "line 9: a line outside any section" "$work/out" || fail "check does not see the stray line"
-grep -q "sample 1 appears 2 times" "$work/out" || fail "check does not see the duplicate"
 expect 2 "$quillon" info
 expect 2 "$quillon" info "$example" --format xml
 expect 2 "$quillon" frobnicate
