@@ -16,6 +16,7 @@
 #include <quillon/platform/String.h>
 #include <quillon/platform/Types.h>
 
+#include <string_view>
 #include <utility>
 
 namespace quillon {
@@ -132,6 +133,11 @@ public:
     void SetCondtions(const CString& conditions) { m_strConditions = conditions; }
     void GetSubmitter(CString& submitter) const { submitter = m_strSubmitter; }
     void SetSubmitter(const CString& submitter) { m_strSubmitter = submitter; }
+    // A header field's text by its name in the report ("TaskCode", "SampleID", "SubjectTime"),
+    // as the sample keeps it: the number for "Sample", "0" or "1" for the switches, the
+    // concentration with %g, notes line by line. False for a name the sample keeps no text for
+    // ("Masses", "EleParameters", or no header field at all).
+    bool GetHeaderField(std::string_view name, CString& value) const;
 
     // Place in the report file: the sample's index in file order and where its section lies.
     int GetFileEntry() const { return m_nFileEntry; }
