@@ -32,6 +32,7 @@ struct ToolError : std::runtime_error {
 // The options all subcommands share.
 struct GlobalOptions {
     bool quiet = false;
+    bool verbose = false; // what the tool does (files read, samples, time) on standard error
     std::string format = "table"; // table, csv or json
     std::string output;           // empty: standard output
 };
@@ -43,11 +44,23 @@ using Registration = std::function<void(CLI::App& app, GlobalOptions& options)>;
 void AddOutputOptions(CLI::App& command, GlobalOptions& options);
 
 // Reads a report into samples. Throws ToolError naming the file and the reason: missing, a
-// folder, not a regular file, unreadable, or not a report (no sample in it).
+// folder, not a regular file, unreadable, or not a report (no sample in it). The path "-" reads
+// standard input (see SpooledPath). With --verbose, says what was read and how long it took.
 void LoadReport(const std::string& path, CSamples& samples);
 
-// The sample with that number; throws ToolError when the report has none.
+// The file a report path names: the path itself, or for "-" a private temporary file (mode 0600)
+// holding all of standard input, written on the first call and removed when the tool ends, since
+// the reader and the writer need a file they can seek in.
+std::string SpooledPath(const std::string& path);
+
+// The sample with that number; throws ToolError naming the report's sample numbers when it has
+// none ("'b.txt' has no sample 9; its samples are 1-6").
 CSampleData& SampleByNumber(CSamples& samples, int number, const std::string& path);
+
+// Turns the messages of --verbose on or off for the whole run.
+void SetVerbose(bool verbose);
+// Writes a line on standard error when --verbose is on: "quillon: read b.txt: 6 samples in 0.21 s".
+void Verbose(const std::string& text);
 
 // Rows of texts under named columns.
 struct Table {
