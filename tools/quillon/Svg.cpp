@@ -352,6 +352,25 @@ void PanelWriter::WriteLegend() {
         entries.push_back({note, 3, 0});
     if (entries.empty())
         return;
+    // What does not fit in the plot is left out and counted; long texts are cut short.
+    const size_t fit = static_cast<size_t>(std::max(1.0, (m_plot.bottom - m_plot.top - 20) / 16));
+    if (entries.size() > fit) {
+        const size_t left = entries.size() - fit + 1;
+        entries.resize(fit - 1);
+        entries.push_back({"and " + std::to_string(left) + " more", 3, 0});
+    }
+    const double room = m_plot.right - m_plot.left - 12;
+    for (Entry& entry : entries)
+        while (entry.text.size() > 4 &&
+               TextWidth(entry.text, kLabelFont) + (entry.kind == 3 ? 12 : 34) > room) {
+            entry.text.erase(entry.text.size() - 4);
+            while (!entry.text.empty() &&
+                   (static_cast<unsigned char>(entry.text.back()) & 0xC0) == 0x80)
+                entry.text.pop_back();
+            if (!entry.text.empty())
+                entry.text.pop_back();
+            entry.text += "…";
+        }
     double width = 0;
     for (const Entry& entry : entries)
         width = std::max(width, TextWidth(entry.text, kLabelFont) + (entry.kind == 3 ? 12 : 34));
@@ -406,45 +425,52 @@ void PanelWriter::WriteLabels() {
             double dx, dy, cost;
         };
         std::vector<Place> places;
-        for (double dy : {3.0, 14.0, 28.0, 44.0, 62.0, 82.0, 104.0})
-            for (double k : {0.0, -0.6, 0.6, -1.2, 1.2, -1.8, 1.8}) {
+        for (double dy : {3.0, 14.0, 28.0, 44.0, 62.0, 82.0, 104.0, 130.0, 160.0})
+            for (double k : {0.0, -0.6, 0.6, -1.2, 1.2, -1.8, 1.8, -2.5, 2.5}) {
                 const double dx = k * (width + 6);
                 places.push_back({dx, dy, std::fabs(dx) + dy * 1.5});
             }
         std::stable_sort(places.begin(), places.end(),
                          [](const Place& a, const Place& b) { return a.cost < b.cost; });
-        for (const Place& place : places) {
-            const Box box{ax + place.dx - width / 2, ay - place.dy - height,
-                          ax + place.dx + width / 2, ay - place.dy};
-            const bool leader = place.dx != 0 || place.dy > 20;
-            const Segment line{ax, ay - 3, std::clamp(ax, box.left + 2, box.right - 2), box.bottom};
-            auto free = [&](const Box& other) { return !other.Overlaps(box); };
-            auto clear = [&](const Segment& s) { return !Crosses(s, box); };
-            // A leader crosses no label and no line but those that meet at its point.
-            const Box point{ax - 3, ay - 4, ax + 3, ay + 3};
-            auto crossesLeader = [&](const Segment& s) {
-                return !Crosses(s, point) &&
-                       Crosses(s, Box{std::min(line.x1, line.x2), line.y2,
-                                      std::max(line.x1, line.x2), line.y1}) &&
-                       SegmentsCross(s, line);
-            };
-            if (!box.Inside(m_plot) || !std::all_of(m_taken.begin(), m_taken.end(), free) ||
-                !std::all_of(m_segments.begin(), m_segments.end(), clear) ||
-                (leader && (std::any_of(labels.begin(), labels.end(),
-                                        [&](const Box& other) { return Crosses(line, other); }) ||
-                            std::any_of(m_segments.begin(), m_segments.end(), crossesLeader))))
-                continue;
-            if (leader) {
-                m_svg << "<line x1=\"" << Number(line.x1) << "\" y1=\"" << Number(line.y1)
-                      << "\" x2=\"" << Number(line.x2) << "\" y2=\"" << Number(line.y2)
-                      << "\" stroke=\"#999\" stroke-width=\"0.8\"/>\n";
-                m_segments.push_back(line);
+        // First a place whose leader crosses no line; failing that, one whose leader does.
+        bool placed = false;
+        for (int pass = 0; pass < 2 && !placed; ++pass)
+            for (const Place& place : places) {
+                const Box box{ax + place.dx - width / 2, ay - place.dy - height,
+                              ax + place.dx + width / 2, ay - place.dy};
+                const bool leader = place.dx != 0 || place.dy > 20;
+                const Segment line{ax, ay - 3, std::clamp(ax, box.left + 2, box.right - 2),
+                                   box.bottom};
+                auto free = [&](const Box& other) { return !other.Overlaps(box); };
+                auto clear = [&](const Segment& s) { return !Crosses(s, box); };
+                // A leader crosses no label and no line but those that meet at its point.
+                const Box point{ax - 3, ay - 4, ax + 3, ay + 3};
+                auto crossesLeader = [&](const Segment& s) {
+                    return !Crosses(s, point) &&
+                           Crosses(s, Box{std::min(line.x1, line.x2), line.y2,
+                                          std::max(line.x1, line.x2), line.y1}) &&
+                           SegmentsCross(s, line);
+                };
+                if (!box.Inside(m_plot) || !std::all_of(m_taken.begin(), m_taken.end(), free) ||
+                    !std::all_of(m_segments.begin(), m_segments.end(), clear) ||
+                    (leader &&
+                     (std::any_of(labels.begin(), labels.end(),
+                                  [&](const Box& other) { return Crosses(line, other); }) ||
+                      (pass == 0 &&
+                       std::any_of(m_segments.begin(), m_segments.end(), crossesLeader)))))
+                    continue;
+                if (leader) {
+                    m_svg << "<line x1=\"" << Number(line.x1) << "\" y1=\"" << Number(line.y1)
+                          << "\" x2=\"" << Number(line.x2) << "\" y2=\"" << Number(line.y2)
+                          << "\" stroke=\"#999\" stroke-width=\"0.8\"/>\n";
+                    m_segments.push_back(line);
+                }
+                Text((box.left + box.right) / 2, box.bottom - 4, label.text, kLabelFont, "middle");
+                m_taken.push_back(box);
+                labels.push_back(box);
+                placed = true;
+                break;
             }
-            Text((box.left + box.right) / 2, box.bottom - 4, label.text, kLabelFont, "middle");
-            m_taken.push_back(box);
-            labels.push_back(box);
-            break;
-        }
     }
     m_svg << "</g>\n";
 }
