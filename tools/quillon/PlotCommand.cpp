@@ -184,8 +184,8 @@ Chart CombinedChart(CSampleData& sample, const std::string& which, const std::st
     sample.SetupCombinedTrace(-100, CDivBroParams(), /*leaveOutParent=*/true, false);
     const CChromatoData* trace = sample.GetTrace(-100);
     if (trace == nullptr || trace->GetNumberOfListPeaks() == 0)
-        throw ToolError(where + " has no " + what.substr(what.find(' ') + 1) +
-                        " to draw, the parent left out");
+        throw ToolError(where + " has no " + what.substr(what.find(' ') + 1) + " to draw" +
+                        (which == "unexpected" ? "" : " besides the parent"));
     return TraceChart(sample, *trace,
                       where + ": combined trace of " + what +
                           (which == "unexpected" ? "" : ", parent left out"));

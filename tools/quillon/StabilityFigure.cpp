@@ -141,8 +141,9 @@ HalfLifeSpread SpreadOf(const std::vector<CMetabolicStabilityInfo>& fits) {
 std::string SpreadText(const HalfLifeSpread& spread) {
     if (spread.groups == 0)
         return "no group has a half-life";
-    return "t½ over " + std::to_string(spread.groups) +
-           (spread.groups == 1 ? " group" : " groups") + ": mean " + Fixed(spread.mean, 1) +
+    if (spread.groups == 1)
+        return "t½ of the one group with a half-life: " + Fixed(spread.mean, 1) + " min, no SD";
+    return "t½ over " + std::to_string(spread.groups) + " groups: mean " + Fixed(spread.mean, 1) +
            " min, SD " + Fixed(spread.standardDeviation, 1) + " min";
 }
 

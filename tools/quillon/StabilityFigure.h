@@ -28,7 +28,7 @@ struct HalfLifeSpread {
     double standardDeviation = 0.0; // 0 for fewer than two groups
 };
 HalfLifeSpread SpreadOf(const std::vector<CMetabolicStabilityInfo>& fits);
-// "t½ over 3 groups: mean 60.0 min, SD 10.0 min".
+// "t½ over 3 groups: mean 60.0 min, SD 10.0 min"; one group has no SD. one group has no SD.
 std::string SpreadText(const HalfLifeSpread& spread);
 
 // Each series as a panel of ln(% parent remaining) against time with the regression's line, its
