@@ -226,9 +226,10 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
     auto* spectrum = command->add_option("--spectrum", settings->spectrum,
                                          "The spectrum of this peak identifier");
     command
-        ->add_option("--function", settings->function,
-                     "With --spectrum: the function's spectrum at that peak (default: the first "
-                     "function that has one; the high-energy function for its spectrum)")
+        ->add_option(
+            "--function", settings->function,
+            "With --spectrum: the number of the function whose spectrum at that peak to draw, "
+            "e.g. the high-energy function's (default: the first function that has one)")
         ->needs(spectrum)
         ->check(CLI::PositiveNumber);
     auto* fragments =
