@@ -215,6 +215,8 @@ private:
     Box m_plot{};
     Axis m_x, m_y;
     double m_titleSize = 15;
+    std::vector<std::string> m_subtitle; // its lines
+    double m_subtitleSize = 12;
     std::vector<Box> m_taken;        // text, points, marks and the legend
     std::vector<Segment> m_segments; // lines, sticks and leaders
 };
@@ -230,8 +232,25 @@ void PanelWriter::Layout() {
     m_titleSize = std::min(15.0, width * 0.96 / std::max(1.0, TextWidth(m_chart.title, 1)));
     // Room above the plot for the title and for the top tick label, which reaches above it.
     double top = m_area.top + (m_chart.title.empty() ? 14 : m_titleSize + 20);
-    if (!m_chart.subtitle.empty())
-        top += 19;
+    // The subtitle on one line, or on two when one would need a font smaller than 10.
+    m_subtitle.clear();
+    if (!m_chart.subtitle.empty()) {
+        const std::string& text = m_chart.subtitle;
+        m_subtitle = {text};
+        size_t cut = text.find("; ");
+        if (cut == std::string::npos)
+            cut = text.rfind(' ', text.size() / 2);
+        if (TextWidth(text, 10) > width * 0.96 && cut != std::string::npos) {
+            const bool semicolon = text.compare(cut, 2, "; ") == 0;
+            m_subtitle = {text.substr(0, cut + (semicolon ? 1 : 0)),
+                          text.substr(cut + (semicolon ? 2 : 1))};
+        }
+        double longest = 1;
+        for (const std::string& line : m_subtitle)
+            longest = std::max(longest, TextWidth(line, 1));
+        m_subtitleSize = std::min(12.0, width * 0.96 / longest);
+        top += 19 + (m_subtitleSize + 5) * static_cast<double>(m_subtitle.size() - 1);
+    }
     const auto [xLow, xHigh, yLow, yHigh] = DataRange(m_chart);
     const double plotHeight = m_area.bottom - 52 - top;
     const double headroom = m_chart.labels.empty() ? 0.04 : 0.14;
@@ -254,11 +273,11 @@ void PanelWriter::WriteAxes() {
     if (!m_chart.title.empty())
         Text(middle, m_area.top + m_titleSize + 4, m_chart.title, m_titleSize, "middle",
              " font-weight=\"bold\"");
-    if (!m_chart.subtitle.empty())
-        Text(middle, m_plot.top - 14, m_chart.subtitle,
-             std::min(12.0, (m_area.right - m_area.left) * 0.96 /
-                                std::max(1.0, TextWidth(m_chart.subtitle, 1))),
-             "middle", " fill=\"#444\"");
+    for (size_t i = 0; i < m_subtitle.size(); ++i)
+        Text(middle,
+             m_plot.top - 14 -
+                 (m_subtitleSize + 5) * static_cast<double>(m_subtitle.size() - 1 - i),
+             m_subtitle[i], m_subtitleSize, "middle", " fill=\"#444\"");
     m_svg << "<g stroke=\"#222\">\n<line x1=\"" << m_plot.left << "\" y1=\"" << m_plot.bottom
           << "\" x2=\"" << m_plot.right << "\" y2=\"" << m_plot.bottom << "\"/>\n<line x1=\""
           << m_plot.left << "\" y1=\"" << m_plot.top << "\" x2=\"" << m_plot.left << "\" y2=\""
