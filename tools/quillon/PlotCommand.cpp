@@ -191,22 +191,50 @@ Chart CombinedChart(CSampleData& sample, const std::string& which, const std::st
                           (which == "unexpected" ? "" : ", parent left out"));
 }
 
+struct PlotSettings {
+    std::string path;
+    int sample = 0;
+    int trace = 0;
+    std::string combined;
+    int spectrum = -1;
+    int function = 0;
+    bool fragments = false;
+    std::string settings;
+    std::string output;
+    FigureSize size;
+};
+
+// The chart that the settings ask for; exactly one kind is chosen (spectrum: a peak is given).
+Chart ChosenChart(const PlotSettings& settings, bool spectrum, CSampleData& sample,
+                  const GlobalOptions& options) {
+    const std::string where = "sample " + std::to_string(settings.sample);
+    if (settings.fragments) {
+        const CFragmentAnalysis& analysis =
+            RunFragmentAnalysis(sample, settings.settings, settings.path, options);
+        Chart chart = FragmentChart(analysis, where);
+        if (chart.sticks.empty())
+            throw ToolError(where + " has no fragments to plot");
+        return chart;
+    }
+    if (!settings.combined.empty())
+        return CombinedChart(sample, settings.combined, where);
+    if (spectrum)
+        return SpectrumChart(sample, settings.spectrum, settings.function, where);
+    const CChromatoData* found = sample.GetTrace(settings.trace);
+    if (found == nullptr)
+        throw ToolError(where + " has no trace " + std::to_string(settings.trace));
+    if (found->GetNumPeaks() == 0)
+        throw ToolError(where + ": trace " + std::to_string(settings.trace) +
+                        " holds no points to draw");
+    return TraceChart(sample, *found,
+                      where + ", trace " + std::to_string(settings.trace) + ": " +
+                          found->GetDescription().str());
+}
+
 } // namespace
 
 void RegisterPlot(CLI::App& app, GlobalOptions& options) {
-    struct Settings {
-        std::string path;
-        int sample = 0;
-        int trace = 0;
-        std::string combined;
-        int spectrum = -1;
-        int function = 0;
-        bool fragments = false;
-        std::string settings;
-        std::string output;
-        FigureSize size;
-    };
-    auto settings = std::make_shared<Settings>();
+    auto settings = std::make_shared<PlotSettings>();
     CLI::App* command = app.add_subcommand(
         "plot",
         "Draws a trace, a combined trace, a spectrum or the fragment analysis of one sample as an "
@@ -255,29 +283,7 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
         CSamples samples;
         LoadReport(settings->path, samples);
         CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
-        const std::string where = "sample " + std::to_string(settings->sample);
-        Chart chart;
-        if (settings->fragments) {
-            const CFragmentAnalysis& analysis =
-                RunFragmentAnalysis(sample, settings->settings, settings->path, options);
-            chart = FragmentChart(analysis, where);
-            if (chart.sticks.empty())
-                throw ToolError(where + " has no fragments to plot");
-        } else if (!settings->combined.empty()) {
-            chart = CombinedChart(sample, settings->combined, where);
-        } else if (spectrum->count() > 0) {
-            chart = SpectrumChart(sample, settings->spectrum, settings->function, where);
-        } else {
-            const CChromatoData* found = sample.GetTrace(settings->trace);
-            if (found == nullptr)
-                throw ToolError(where + " has no trace " + std::to_string(settings->trace));
-            if (found->GetNumPeaks() == 0)
-                throw ToolError(where + ": trace " + std::to_string(settings->trace) +
-                                " holds no points to draw");
-            chart = TraceChart(sample, *found,
-                               where + ", trace " + std::to_string(settings->trace) + ": " +
-                                   found->GetDescription().str());
-        }
+        const Chart chart = ChosenChart(*settings, spectrum->count() > 0, sample, options);
         const std::string svg = ChartSvg(chart, settings->size);
         if (settings->output.empty() || settings->output == "-") {
             std::cout << svg << std::flush;
