@@ -7,7 +7,9 @@
 #include <quillon/plate/PlateDesc.h>
 #include <quillon/platform/Numbers.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <type_traits>
 
 namespace quillon {
@@ -225,6 +227,82 @@ int CSampleData::NewParagraph(CDelimitFile* file, int id) {
         return ReadMolfileList(file);
     default:
         return 0;
+    }
+}
+
+bool CSampleData::GetHeaderField(std::string_view name, CString& value) const {
+    const auto* field = std::find_if(std::begin(kHeaderFields), std::end(kHeaderFields),
+                                     [&](const NamedId& named) { return name == named.name; });
+    if (field == std::end(kHeaderFields))
+        return false;
+    const CString* texts[] = {&m_strFileName,
+                              &m_strWell,
+                              &m_strPlateDescription,
+                              &m_strType,
+                              &m_strID,
+                              &m_strDescription,
+                              &m_strProcessParameters,
+                              &m_strInletFileName,
+                              &m_strMSMethodFileName,
+                              &m_strMSTuneFileName,
+                              &m_strInjectionVolume,
+                              &m_strSubjectTime,
+                              &m_strSubjectText,
+                              &m_strSubjectParent};
+    static_assert(kFileName == 1 && kSubjectParent == 14, "texts follow the field order");
+    switch (field->id) {
+    case kSample:
+        value.Format("%d", m_nNumber);
+        return true;
+    case kConcentration:
+        value.Format("%g", m_dConcentration);
+        return true;
+    case kLockSprayEnabled:
+    case kMUXEnabled:
+        value = (field->id == kMUXEnabled ? m_bMUXEnabled : m_bLockSprayEnabled) ? "1" : "0";
+        return true;
+    case kDate:
+        value = m_strDate;
+        return true;
+    case kTime:
+        value = m_strTime;
+        return true;
+    case kProcessingTime:
+        value = m_strProcessingTime;
+        return true;
+    case kInfo:
+        value = m_strProcessingInfo;
+        return true;
+    case kWarning:
+        value = m_strProcessingWarning;
+        return true;
+    case kJobCode:
+        value = m_strJobCode;
+        return true;
+    case kTaskCode:
+        value = m_strTaskCode;
+        return true;
+    case kUserName:
+        value = m_strUserName;
+        return true;
+    case kLabName:
+        value = m_strLabName;
+        return true;
+    case kInstrument:
+        value = m_strInstrument;
+        return true;
+    case kConditions:
+        value = m_strConditions;
+        return true;
+    case kSubmitter:
+        value = m_strSubmitter;
+        return true;
+    default:
+        if (field->id >= kFileName && field->id <= kSubjectParent) {
+            value = *texts[field->id - kFileName];
+            return true;
+        }
+        return false;
     }
 }
 

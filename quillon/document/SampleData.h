@@ -16,6 +16,7 @@
 #include <quillon/platform/String.h>
 #include <quillon/platform/Types.h>
 
+#include <string_view>
 #include <utility>
 
 namespace quillon {
@@ -134,6 +135,11 @@ public:
     void SetCondtions(const CString& conditions) { m_strConditions = conditions; }
     void GetSubmitter(CString& submitter) const { submitter = m_strSubmitter; }
     void SetSubmitter(const CString& submitter) { m_strSubmitter = submitter; }
+    // A header field's text by its name in the report ("TaskCode", "SampleID", "SubjectTime"),
+    // as the sample keeps it: the number for "Sample", "0" or "1" for the switches, the
+    // concentration with %g, notes line by line. False for a name the sample keeps no text for
+    // ("Masses", "EleParameters", or no header field at all).
+    bool GetHeaderField(std::string_view name, CString& value) const;
 
     // Place in the report file: the sample's index in file order and where its section lies.
     int GetFileEntry() const { return m_nFileEntry; }
@@ -296,6 +302,7 @@ public:
         COMBINED_ALL_FOUND_AND_UNEXPECTED = 2,
         COMBINED_PRECURSORS_OF_FRAGMENT = 3,
         COMBINED_COMMON_NEUTRAL_LOSS = 4,
+        COMBINED_UNEXPECTED_FOUND = 5, // the found unexpected metabolites alone
     };
     // -101 for precursors, else -102 for a neutral loss, else -100.
     static int GetCombinedTraceNum(bool precursors, bool neutralLoss);
@@ -312,16 +319,17 @@ public:
     static void InitialiseCombinedTrace(CChromatoData* trace);
     // Builds the combined trace numbered traceNumber when it needs data; true when built.
     // The sixteen filter settings are those of CMetaboliteData::ApplyDataFilters, which types 0
-    // to 2 apply. Selection: type 0 takes the found expected metabolites, type 1 the found
+    // to 2 and 5 apply. Selection: type 0 takes the found expected metabolites, type 1 the found
     // expected and MS/MS correlation ones, type 2 every found one (unexpected too); type 3 the
     // parents of the current fragment, type 4 the low-energy metabolites whose peak carries the
-    // current neutral loss. High-energy partners and excluded masses never join. With
-    // leaveOutParent, metabolites named "Parent" are left out, so that the metabolites are not
-    // dwarfed by the parent; with confirmedOnly, only metabolites the user confirmed join.
-    // Grid: n times spread evenly over the widest span of the metabolites' traces, n the most
-    // points of any such trace. Each selected metabolite's trace is cut to its peak's extent
-    // and every cut point adds its intensity to the nearest grid time when that lies within half
-    // a grid spacing; overlapping peaks add up. Each selected peak is listed on the trace.
+    // current neutral loss, type 5 the found unexpected ones alone. High-energy partners and
+    // excluded masses never join. With leaveOutParent, metabolites named "Parent" are left out, so
+    // that the metabolites are not dwarfed by the parent; with confirmedOnly, only metabolites the
+    // user confirmed join. Grid: n times spread evenly over the widest span of the metabolites'
+    // traces, n the most points of any such trace. Each selected metabolite's trace is cut to its
+    // peak's extent and every cut point adds its intensity to the nearest grid time when that lies
+    // within half a grid spacing; overlapping peaks add up. Each selected peak is listed on the
+    // trace.
     bool SetupCombinedTrace(int traceNumber, bool massDefectOn, double upperMassDefect,
                             double lowerMassDefect, bool areaOn, int areaMode, float areaThreshold,
                             float relativeAreaThreshold, bool areaOnExpected, bool massErrorOn,

@@ -28,6 +28,9 @@ CString Describe(int type, int fragment, const CFragmentAnalysis& analysis, int 
     case CSampleData::COMBINED_ALL_FOUND:
         text.Format("%s (%s)", kCombinedPeaks, "All Found Peaks");
         break;
+    case CSampleData::COMBINED_UNEXPECTED_FOUND:
+        text.Format("%s (%s)", kCombinedPeaks, "Found Unexpected Peaks only");
+        break;
     case CSampleData::COMBINED_PRECURSORS_OF_FRAGMENT:
         text.Format("%s %d", "Precursors of Fragment", fragment);
         break;
@@ -194,6 +197,9 @@ bool CSampleData::SetupCombinedTrace(int traceNumber, bool massDefectOn, double 
             break;
         case COMBINED_ALL_FOUND:
             selected = (m->IsExpected() || m->IsMSMSCorrelation()) && m->GetFound();
+            break;
+        case COMBINED_UNEXPECTED_FOUND:
+            selected = !m->IsExpected() && !m->IsMSMSCorrelation() && m->GetFound();
             break;
         case COMBINED_PRECURSORS_OF_FRAGMENT:
             selected = carriers.count(static_cast<UINT>(i)) != 0;

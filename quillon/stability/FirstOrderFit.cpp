@@ -45,7 +45,10 @@ FirstOrderFit FirstOrderFit::Of(const std::vector<double>& times,
     fit.intercept = meanY - slope * meanX;
     const double residual = std::max(0.0, syy - slope * sxy);
     fit.rSquared = syy > 0.0 ? 1.0 - residual / syy : 1.0;
-    fit.standardErrorK = x.size() > 2 ? std::sqrt(residual / (n - 2.0) / sxx) : 0.0;
+    fit.residualStandardError = x.size() > 2 ? std::sqrt(residual / (n - 2.0)) : 0.0;
+    fit.standardErrorK = fit.residualStandardError / std::sqrt(sxx);
+    fit.meanTime = meanX;
+    fit.timeSumOfSquares = sxx;
     fit.fitted = true;
     return fit;
 }

@@ -15,8 +15,11 @@ struct FirstOrderFit {
     double k = 0.0;         // elimination rate constant, 1/min (minus the slope)
     double intercept = 0.0; // ln(amount) at time 0
     double rSquared = 0.0;
-    double standardErrorK = 0.0; // 0 with only two points
-    bool fitted = false;         // false with fewer than two distinct times
+    double standardErrorK = 0.0;        // 0 with only two points
+    double meanTime = 0.0;              // min, over the points used
+    double timeSumOfSquares = 0.0;      // sum of (time - meanTime)^2, min^2
+    double residualStandardError = 0.0; // of ln(amount); 0 with only two points
+    bool fitted = false;                // false with fewer than two distinct times
 
     // Fits times (min) and amounts; points whose amount is not positive (or not a number) are
     // left out.

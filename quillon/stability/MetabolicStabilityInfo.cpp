@@ -70,6 +70,7 @@ void CMetabolicStabilityInfo::Evaluate(const std::vector<std::vector<double>>& f
     }
     const FirstOrderFit fit = FirstOrderFit::Of(x, y);
     pointsUsed = fit.points;
+    intercept = m_meanTime = m_timeSumOfSquares = m_residualStandardError = 0.0;
     k = standardErrorK = rSquared = halfLife = halfLifeLow = halfLifeHigh = 0.0;
     intrinsicClearance = scaledClearance = 0.0;
     if (!fit.fitted || fit.distinctTimes < 3) {
@@ -77,6 +78,10 @@ void CMetabolicStabilityInfo::Evaluate(const std::vector<std::vector<double>>& f
     } else {
         k = fit.k;
         standardErrorK = fit.standardErrorK;
+        intercept = fit.intercept;
+        m_meanTime = fit.meanTime;
+        m_timeSumOfSquares = fit.timeSumOfSquares;
+        m_residualStandardError = fit.residualStandardError;
         rSquared = fit.rSquared;
         if (rSquared < parameters.minimumRSquared)
             flags |= kPoorFit;
@@ -125,6 +130,20 @@ void CMetabolicStabilityInfo::Evaluate(const std::vector<std::vector<double>>& f
         }
         entry.maximumPercentOfParent = initialAmount > 0.0 ? maximum / initialAmount * 100.0 : 0.0;
     }
+}
+
+bool CMetabolicStabilityInfo::FittedPercentBand(double time, double& line, double& low,
+                                                double& high) const {
+    if (Has(kTooFewTimePoints) || !(initialAmount > 0.0) || pointsUsed < 3)
+        return false;
+    line = intercept - k * time - std::log(initialAmount) + std::log(100.0);
+    const double n = static_cast<double>(pointsUsed);
+    const double spread = (time - m_meanTime) * (time - m_meanTime) / m_timeSumOfSquares;
+    const double half =
+        TQuantile(0.95, pointsUsed - 2) * m_residualStandardError * std::sqrt(1.0 / n + spread);
+    low = line - half;
+    high = line + half;
+    return true;
 }
 
 } // namespace quillon

@@ -82,6 +82,7 @@ public:
     int pointsUsed = 0;
     double k = 0.0;              // 1/min
     double standardErrorK = 0.0; // 1/min
+    double intercept = 0.0;      // the fitted ln(amount) at time 0
     double rSquared = 0.0;
     double halfLife = 0.0;           // min
     double halfLifeLow = 0.0;        // min, 95% interval
@@ -92,6 +93,12 @@ public:
 
     std::vector<Formation> formation;
 
+    // The fitted line and its 95% confidence band at a time, as ln(% remaining): the band is
+    // t(95%, n - 2) x s x sqrt(1/n + (time - mean time)^2 / Sxx) either side of the line. False
+    // without a fit or an initial amount. For 100, 50, 25 at 0, 30, 60 min: at 30 min the line is
+    // ln 50 and the band has no width (the points lie on the line).
+    bool FittedPercentBand(double time, double& line, double& low, double& high) const;
+
     bool Has(Flag flag) const { return (flags & flag) != 0; }
     // The half-life and clearances are numbers that mean something.
     bool HasHalfLife() const { return halfLife > 0.0; }
@@ -100,6 +107,11 @@ public:
     // formation amounts gathered per sample (one vector per formation entry, one value per
     // point, negative for none).
     void Evaluate(const std::vector<std::vector<double>>& formationAmounts);
+
+private:
+    double m_meanTime = 0.0;              // of the points used in the fit
+    double m_timeSumOfSquares = 0.0;      // Sxx of those times
+    double m_residualStandardError = 0.0; // s of ln(amount) about the line
 };
 
 } // namespace quillon

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace quillon;
@@ -60,8 +61,22 @@ TEST(SampleDataTest, ReadsEveryHeaderFieldWithItsConversion) {
         block += std::string(each.field) + "\t" + each.value + "\n";
     CSampleData sample;
     EXPECT_EQ(ReadBlock(sample, block + "}\n"), "AFTER");
-    for (const auto& each : texts)
+    CString byName;
+    for (const auto& each : texts) {
         EXPECT_EQ(Text(sample, each.get), each.value) << each.field;
+        EXPECT_TRUE(sample.GetHeaderField(each.field, byName) && byName == each.value)
+            << each.field;
+    }
+    // By name, the converted fields read as the sample keeps them; unkept names are refused.
+    for (const auto& [field, kept] : {std::pair{"Sample", "12"},
+                                      {"Well", "1"},
+                                      {"SampleType", "Control"},
+                                      {"Concentration", "0.25"},
+                                      {"MUXEnabled", "1"},
+                                      {"Info", "first\nsecond"}})
+        EXPECT_TRUE(sample.GetHeaderField(field, byName) && byName == kept) << field;
+    EXPECT_FALSE(sample.GetHeaderField("Masses", byName));
+    EXPECT_FALSE(sample.GetHeaderField("Unknown", byName));
 
     // The fields with a conversion.
     EXPECT_EQ(sample.GetNumber(), 12);

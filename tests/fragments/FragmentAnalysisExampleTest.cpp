@@ -86,6 +86,19 @@ TEST_F(ExampleBatch, CombinedTracesAreBuiltOnceFromTheChosenMetabolites) {
     sample.CombinedTraceNeedsData(true, false, false);
     ASSERT_TRUE(setup(-100, true));
     EXPECT_LT(MaxIntensity(combined), withParent / 2);
+    // The found unexpected metabolites alone: one listed peak each.
+    int unexpected = 0;
+    for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
+        const CMetaboliteData& metabolite = *sample.GetMetabolite(m);
+        unexpected += !metabolite.IsExpected() && !metabolite.IsMSMSCorrelation() &&
+                      !metabolite.IsHiEnergy() && metabolite.GetFound();
+    }
+    EXPECT_TRUE(sample.SetCombinedTraceType(CSampleData::COMBINED_UNEXPECTED_FOUND, -100));
+    ASSERT_TRUE(setup(-100, false));
+    EXPECT_EQ(combined->GetDescription(),
+              "Combined Metabolite Peaks (Found Unexpected Peaks only)");
+    EXPECT_GT(unexpected, 0);
+    EXPECT_EQ(combined->GetNumberOfListPeaks(), unexpected);
 
     // Precursors of the fragment at 86 and carriers of a neutral loss.
     sample.CurrentFragment(86);

@@ -147,4 +147,28 @@ TEST(MetabolicStability, MeaninglessSeriesAreFlagged) {
     EXPECT_TRUE(scattered.Has(Info::kPoorFit));
     EXPECT_TRUE(scattered.Has(Info::kOpenInterval));
     EXPECT_EQ(scattered.halfLifeHigh, 0.0);
+
+    // The fitted line in % remaining and its band: on exact data the line passes through the
+    // points with no width; on scattered data the band is narrowest at the mean time (45 min),
+    // where its half-width is t(95%, 2) x s / sqrt(4), s from the residuals worked by hand.
+    double line = 0, low = 0, high = 0;
+    Info exact = analyse(
+        {Incubation(1, "0", 400, 0), Incubation(2, "30", 200, 0), Incubation(3, "60", 100, 0)});
+    ASSERT_TRUE(exact.FittedPercentBand(60, line, low, high));
+    EXPECT_NEAR(line, std::log(25.0), 1e-9);
+    EXPECT_NEAR(high - low, 0.0, 1e-9);
+    ASSERT_TRUE(scattered.FittedPercentBand(45, line, low, high));
+    const std::vector<double> lnY = {std::log(100.0), std::log(20.0), std::log(90.0),
+                                     std::log(30.0)};
+    const double slope = (-45 * lnY[0] - 15 * lnY[1] + 15 * lnY[2] + 45 * lnY[3]) / 4500;
+    const double mean = (lnY[0] + lnY[1] + lnY[2] + lnY[3]) / 4;
+    double residual = 0;
+    for (int i = 0; i < 4; ++i)
+        residual += std::pow(lnY[i] - mean - slope * (30 * i - 45), 2);
+    EXPECT_NEAR(line, mean, 1e-9); // the initial amount is 100: % and amount agree
+    EXPECT_NEAR((high - low) / 2, TQuantile(0.95, 2) * std::sqrt(residual / 2) / 2, 1e-9);
+    double edgeLow = 0, edgeHigh = 0;
+    ASSERT_TRUE(scattered.FittedPercentBand(0, line, edgeLow, edgeHigh));
+    EXPECT_GT(edgeHigh - edgeLow, high - low);
+    EXPECT_FALSE(oneTime.FittedPercentBand(0, line, low, high));
 }

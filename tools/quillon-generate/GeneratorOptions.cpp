@@ -25,7 +25,8 @@ constexpr const char* kUsage =
     "      --crlf             write Windows line ends\n"
     "      --bulk-metabolites N write one sample of N metabolites, each with its high-energy\n"
     "                         partner and product-ion spectrum, and nothing else\n"
-    "  -h, --help             show this text\n";
+    "  -h, --help             show this text\n"
+    "      --version          show the generator's version\n";
 
 template <typename T>
 bool ParseNumber(std::string_view text, T& value, T minimum, T maximum) {
@@ -49,6 +50,11 @@ bool ParseCommandLine(int argc, const char* const argv[], GeneratorOptions& opti
         if (option == "-h" || option == "--help") {
             helpRequested = true;
             message = kUsage;
+            return false;
+        }
+        if (option == "--version") {
+            helpRequested = true;
+            message = std::string("quillon-generate ") + QUILLON_VERSION + "\n";
             return false;
         }
         if (option == "--crlf") {

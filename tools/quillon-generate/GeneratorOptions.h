@@ -28,7 +28,8 @@ struct GeneratorOptions {
 };
 
 // Parses the command line into options. Returns false with a message (the usage text, or the
-// reason) when the arguments are wrong or help was asked for; helpRequested tells the two apart.
+// reason) when the arguments are wrong or help or the version was asked for (the message is
+// then the text to print); helpRequested tells the two apart.
 bool ParseCommandLine(int argc, const char* const argv[], GeneratorOptions& options,
                       std::string& message, bool& helpRequested);
 

@@ -20,9 +20,14 @@ int main(int argc, char* argv[]) {
     }
     try {
         const BatchSummary summary = GenerateBatch(options);
-        std::printf("Wrote %zu samples to %s and %d neutral losses to %s\n", summary.samples.size(),
-                    options.reportPath.c_str(), summary.neutralLosses,
-                    SettingsPath(options).c_str());
+        if (options.bulkMetabolites > 0)
+            std::printf("Wrote 1 sample of %d metabolites to %s and %d neutral losses to %s\n",
+                        options.bulkMetabolites, options.reportPath.c_str(), summary.neutralLosses,
+                        SettingsPath(options).c_str());
+        else
+            std::printf("Wrote %zu samples to %s and %d neutral losses to %s\n",
+                        summary.samples.size(), options.reportPath.c_str(), summary.neutralLosses,
+                        SettingsPath(options).c_str());
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "quillon-generate: %s\n", failure.what());
         return 1;

@@ -1,6 +1,7 @@
 // fragments and stability: the analyses run over a loaded report.
 #include "Commands.h"
-#include "Svg.h"
+#include "FigureOptions.h"
+#include "StabilityFigure.h"
 
 #include <memory>
 
@@ -72,6 +73,9 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
         std::string path;
         MetabolicStabilityParameters parameters;
         std::string plot;
+        std::string series;
+        std::string groupBy;
+        FigureSize size;
     };
     auto settings = std::make_shared<Settings>();
     CLI::App* command = app.add_subcommand(
@@ -87,7 +91,14 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
     command->add_option("--liver-per-kg", settings->parameters.liverGramsPerKg,
                         "Liver per kilogram of body weight, g/kg (default 20)");
     command->add_option("--plot", settings->plot,
-                        "Also draw ln(% remaining) against time with the fit as an SVG file");
+                        "Also draw ln(% remaining) against time with the fit and its 95% band, "
+                        "and the formation of the metabolites, as an SVG file");
+    command->add_option("--series", settings->series,
+                        "Only the series of this number (from 1) or parent name");
+    command->add_option("--group-by", settings->groupBy,
+                        "Fit the samples of each value of this header field (e.g. TaskCode) on "
+                        "their own, with the mean and SD of the half-life across the groups");
+    AddFigureSizeOption(*command, settings->size);
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
         CSamples samples;
@@ -103,6 +114,9 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
                             " min";
             Note(options, info.parent.str() + ": fitted " + (used.empty() ? "no sample" : used));
         }
+        const std::vector<CMetabolicStabilityInfo> fits =
+            ChosenSeries(samples, series, settings->series, settings->groupBy);
+        const HalfLifeSpread spread = SpreadOf(fits);
         auto flagsText = [](const CMetabolicStabilityInfo& info) {
             std::string text;
             const std::pair<int, const char*> names[] = {
@@ -122,7 +136,7 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
         };
         if (options.format == "json") {
             nlohmann::json document = nlohmann::json::array();
-            for (const CMetabolicStabilityInfo& info : series) {
+            for (const CMetabolicStabilityInfo& info : fits) {
                 nlohmann::json entry = {{"parent", info.parent.str()},
                                         {"process_parameters", info.processParameters.str()},
                                         {"points_used", info.pointsUsed},
@@ -157,6 +171,11 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
                          {"maximum_percent_of_parent", formation.maximumPercentOfParent}});
                 document.push_back(std::move(entry));
             }
+            if (!settings->groupBy.empty())
+                document.push_back({{"summary_of_groups", settings->groupBy},
+                                    {"groups_with_half_life", spread.groups},
+                                    {"half_life_mean_min", spread.mean},
+                                    {"half_life_sd_min", spread.standardDeviation}});
             PrintJson(document, options);
         } else {
             Table table{
@@ -165,7 +184,7 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
                  "clearance_ml_min_kg", "r_squared", "flags"},
                 {},
                 {false, true, true, true, true, true, true, true, true, true, true, true, false}};
-            for (const CMetabolicStabilityInfo& info : series) {
+            for (const CMetabolicStabilityInfo& info : fits) {
                 const bool t = info.HasHalfLife();
                 table.rows.push_back(
                     {info.parent.str(), "", "", "", "",
@@ -187,10 +206,15 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
                                           Fixed(formation.maximumPercentOfParent, 1), "", "", "",
                                           "", "", "", "", "max % of parent"});
             }
+            if (!settings->groupBy.empty())
+                table.rows.push_back({"mean of " + settings->groupBy + " groups", "", "", "", "",
+                                      "", orEmpty(spread.groups > 0, spread.mean, 1), "", "", "",
+                                      "", "", SpreadText(spread)});
             PrintTable(table, options);
         }
-        if (!settings->plot.empty() && series.GetSize() > 0)
-            WriteFileAtomically(settings->plot, StabilitySvg(series[0]));
+        if (!settings->plot.empty())
+            WriteFileAtomically(settings->plot, StabilityFigureSvg(fits, !settings->groupBy.empty(),
+                                                                   settings->size));
     });
 }
 

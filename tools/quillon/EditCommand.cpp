@@ -72,6 +72,10 @@ void RegisterEdit(CLI::App& app, GlobalOptions& options) {
     command->callback([settings, &options] {
         if (settings->output.empty() && !settings->inPlace)
             throw ToolError("edit needs -o OUT or --in-place", kExitUsage);
+        if (settings->path == "-" && settings->output.empty())
+            throw ToolError(
+                "edit of standard input needs -o OUT: there is no file to edit in place",
+                kExitUsage);
         if (settings->confirm && settings->unconfirm)
             throw ToolError("--confirm and --unconfirm contradict each other", kExitUsage);
         const std::vector<CMetaboliteEdit> edits = EditsOf(*settings);

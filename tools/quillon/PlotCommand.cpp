@@ -1,9 +1,11 @@
 // plot: a trace, a combined trace or a spectrum of one sample as an SVG figure.
 #include "Commands.h"
+#include "FigureOptions.h"
 #include "Svg.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iostream>
 #include <map>
 #include <memory>
 #include <set>
@@ -21,27 +23,34 @@ std::vector<std::pair<double, double>> PointsOf(const CChromatoData& trace) {
     return points;
 }
 
-// The trace with its listed peaks marked at their apex and labelled with their metabolites.
+// The trace with its listed peaks marked at their apex and labelled with their metabolites, the
+// labels of larger peaks (by area) placed first.
 Chart TraceChart(CSampleData& sample, const CChromatoData& trace, const std::string& title) {
     Chart chart;
     chart.title = title;
     chart.xLabel = "Retention time (min)";
     chart.yLabel = "Intensity";
-    chart.lines.push_back(PointsOf(trace));
-    const auto& points = chart.lines.back();
+    chart.lines.push_back({"", PointsOf(trace), false, false});
+    const auto& points = chart.lines.back().points;
+    std::vector<std::pair<double, ChartLabel>> labels; // area, label
     for (int p = 0; p < trace.GetNumberOfListPeaks(); ++p) {
         const CChromatogramPeak& peak = *trace.GetChromatPeakData(p);
         const auto nearest = std::min_element(points.begin(), points.end(), [&](auto a, auto b) {
             return std::abs(a.first - peak.GetTime()) < std::abs(b.first - peak.GetTime());
         });
-        if (nearest == points.end())
-            continue;
+        if (nearest == points.end() ||
+            std::find(chart.marks.begin(), chart.marks.end(), *nearest) != chart.marks.end())
+            continue; // a peak listed twice is marked and labelled once
         chart.marks.push_back(*nearest);
         const CMetaboliteData* metabolite = sample.GetMetaboliteWithPeakID(peak.GetPeakID());
         const std::string name = metabolite != nullptr ? metabolite->GetMetName() : "";
         if (!name.empty())
-            chart.labels.push_back({nearest->first, nearest->second, name});
+            labels.push_back({metabolite->GetPeakArea(), {nearest->first, nearest->second, name}});
     }
+    std::stable_sort(labels.begin(), labels.end(),
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
+    for (auto& [area, label] : labels)
+        chart.labels.push_back(std::move(label));
     return chart;
 }
 
@@ -107,37 +116,150 @@ Chart FragmentChart(const CFragmentAnalysis& analysis, const std::string& where)
     return chart;
 }
 
+// The spectrum of a peak in the function with that number (0: the first function that has one),
+// as sticks. Labelled, in this order: the peaks of the peak's metabolite's isotope cluster (its
+// m/z and up to 4.2 above, at 1% or more) and then the most intense others at 5% of the base peak
+// or more; noise below stays unlabelled. Points that are all at most 100 are percentages.
+Chart SpectrumChart(CSampleData& sample, int peakID, int functionNumber, const std::string& where) {
+    CSpectrumData* spectrum = nullptr;
+    CFunctionData* function = nullptr;
+    for (int f = 0; f < sample.GetFunctionCount() && spectrum == nullptr; ++f) {
+        CFunctionData* candidate = sample.GetFunction(f);
+        if (functionNumber > 0 && candidate->GetNumber() != functionNumber)
+            continue;
+        const int index = candidate->GetSpectrumWithPeakID(peakID, false);
+        if (index >= 0)
+            spectrum = candidate->GetSpectrum(index, false), function = candidate;
+    }
+    if (spectrum == nullptr)
+        throw ToolError(where + " has no spectrum of peak " + std::to_string(peakID) +
+                        (functionNumber > 0 ? " in function " + std::to_string(functionNumber)
+                                            : std::string()));
+    const CMetaboliteData* metabolite = sample.GetMetaboliteWithPeakID(peakID);
+    CString description;
+    function->GetDescription(description);
+    Chart chart;
+    chart.title = where + ": spectrum of peak " + std::to_string(peakID) +
+                  (metabolite != nullptr ? std::string(", ") + metabolite->GetMetName() : "") +
+                  ", function " + std::to_string(function->GetNumber()) +
+                  (description.IsEmpty() ? "" : " (" + description.str() + ")");
+    chart.xLabel = "m/z";
+    CPeakData point;
+    double base = 0;
+    for (int i = 0; i < spectrum->GetNumPeaks(); ++i)
+        if (spectrum->GetPeak(i, point)) {
+            chart.sticks.emplace_back(point.GetMass(), point.GetIntensity());
+            base = std::max(base, static_cast<double>(point.GetIntensity()));
+        }
+    if (chart.sticks.empty())
+        throw ToolError(where + ": the spectrum of peak " + std::to_string(peakID) +
+                        " holds no points");
+    chart.yLabel = base <= 100.0 ? "Relative intensity (%)" : "Intensity";
+    const double mono = metabolite != nullptr ? metabolite->GetMzFound() : 0.0;
+    auto isotope = [&](const std::pair<double, double>& stick) {
+        return mono > 0 && stick.first > mono - 0.05 && stick.first < mono + 4.2 &&
+               stick.second >= 0.01 * base;
+    };
+    auto byIntensity = chart.sticks;
+    std::stable_sort(byIntensity.begin(), byIntensity.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    for (const bool cluster : {true, false})
+        for (const auto& stick : byIntensity)
+            if (isotope(stick) == cluster && (cluster || stick.second >= 0.05 * base) &&
+                chart.labels.size() < 12)
+                chart.labels.push_back({stick.first, stick.second, Fixed(stick.first, 4)});
+    return chart;
+}
+
+// The combined trace of the chosen metabolites, the parent left out.
+Chart CombinedChart(CSampleData& sample, const std::string& which, const std::string& where) {
+    const auto type = which == "expected" ? CSampleData::COMBINED_EXPECTED_FOUND
+                      : which == "all"    ? CSampleData::COMBINED_ALL_FOUND_AND_UNEXPECTED
+                                          : CSampleData::COMBINED_UNEXPECTED_FOUND;
+    const std::string what = which == "expected" ? "the expected metabolites found"
+                             : which == "all"    ? "all found metabolites"
+                                                 : "the unexpected metabolites found";
+    sample.SetCombinedTraceType(type, -100);
+    sample.CombinedTraceNeedsData(true, false, false);
+    sample.SetupCombinedTrace(-100, CDivBroParams(), /*leaveOutParent=*/true, false);
+    const CChromatoData* trace = sample.GetTrace(-100);
+    if (trace == nullptr || trace->GetNumberOfListPeaks() == 0)
+        throw ToolError(where + " has no " + what.substr(what.find(' ') + 1) + " to draw" +
+                        (which == "unexpected" ? "" : " besides the parent"));
+    return TraceChart(sample, *trace,
+                      where + ": combined trace of " + what +
+                          (which == "unexpected" ? "" : ", parent left out"));
+}
+
+struct PlotSettings {
+    std::string path;
+    int sample = 0;
+    int trace = 0;
+    std::string combined;
+    int spectrum = -1;
+    int function = 0;
+    bool fragments = false;
+    std::string settings;
+    std::string output;
+    FigureSize size;
+};
+
+// The chart that the settings ask for; exactly one kind is chosen (spectrum: a peak is given).
+Chart ChosenChart(const PlotSettings& settings, bool spectrum, CSampleData& sample,
+                  const GlobalOptions& options) {
+    const std::string where = "sample " + std::to_string(settings.sample);
+    if (settings.fragments) {
+        const CFragmentAnalysis& analysis =
+            RunFragmentAnalysis(sample, settings.settings, settings.path, options);
+        Chart chart = FragmentChart(analysis, where);
+        if (chart.sticks.empty())
+            throw ToolError(where + " has no fragments to plot");
+        return chart;
+    }
+    if (!settings.combined.empty())
+        return CombinedChart(sample, settings.combined, where);
+    if (spectrum)
+        return SpectrumChart(sample, settings.spectrum, settings.function, where);
+    const CChromatoData* found = sample.GetTrace(settings.trace);
+    if (found == nullptr)
+        throw ToolError(where + " has no trace " + std::to_string(settings.trace));
+    if (found->GetNumPeaks() == 0)
+        throw ToolError(where + ": trace " + std::to_string(settings.trace) +
+                        " holds no points to draw");
+    return TraceChart(sample, *found,
+                      where + ", trace " + std::to_string(settings.trace) + ": " +
+                          found->GetDescription().str());
+}
+
 } // namespace
 
 void RegisterPlot(CLI::App& app, GlobalOptions& options) {
-    struct Settings {
-        std::string path;
-        int sample = 0;
-        int trace = 0;
-        std::string combined;
-        int spectrum = -1;
-        bool fragments = false;
-        std::string settings;
-        std::string output;
-    };
-    auto settings = std::make_shared<Settings>();
+    auto settings = std::make_shared<PlotSettings>();
     CLI::App* command = app.add_subcommand(
         "plot",
         "Draws a trace, a combined trace, a spectrum or the fragment analysis of one sample as an "
-        "SVG figure\n"
+        "SVG figure (one of --trace, --combined, --spectrum and --fragments)\n"
         "  example: quillon plot batch.txt --sample 4 --trace 2 -o trace.svg\n"
-        "  example: quillon plot batch.txt --sample 4 --fragments -o fragments.svg");
-    command->add_option("REPORT", settings->path, "The report file")->required();
+        "  example: quillon plot batch.txt --sample 4 --spectrum 3 --function 2 -o ms2.svg");
+    command->add_option("REPORT", settings->path, "The report file ('-': standard input)")
+        ->required();
     command->add_option("--sample", settings->sample, "The sample's number")->required();
     auto* trace = command->add_option("--trace", settings->trace, "A trace number");
     auto* combined =
         command
             ->add_option("--combined", settings->combined,
-                         "The combined trace of the found metabolites: expected, all or "
-                         "unexpected (all found, unexpected ones included)")
+                         "The combined trace, parent left out, of the found metabolites: "
+                         "expected (the expected ones), all, or unexpected (those alone)")
             ->check(CLI::IsMember({"expected", "all", "unexpected"}));
     auto* spectrum = command->add_option("--spectrum", settings->spectrum,
                                          "The spectrum of this peak identifier");
+    command
+        ->add_option(
+            "--function", settings->function,
+            "With --spectrum: the number of the function whose spectrum at that peak to draw, "
+            "e.g. the high-energy function's (default: the first function that has one)")
+        ->needs(spectrum)
+        ->check(CLI::PositiveNumber);
     auto* fragments =
         command->add_flag("--fragments", settings->fragments,
                           "The fragment analysis: fragment masses by the number of high-energy "
@@ -150,75 +272,24 @@ void RegisterPlot(CLI::App& app, GlobalOptions& options) {
     trace->excludes(combined)->excludes(spectrum)->excludes(fragments);
     combined->excludes(spectrum)->excludes(fragments);
     spectrum->excludes(fragments);
-    command->add_option("-o,--output", settings->output, "The SVG file to write")->required();
-    command->callback([settings, &options] {
+    command->add_option("-o,--output", settings->output,
+                        "The SVG file to write (default or '-': standard output)");
+    AddFigureSizeOption(*command, settings->size);
+    command->callback([settings, &options, trace, combined, spectrum, fragments] {
+        if (trace->count() + combined->count() + spectrum->count() + fragments->count() == 0)
+            throw ToolError("plot needs what to draw: --trace N, --combined KIND, --spectrum PEAK "
+                            "or --fragments",
+                            kExitUsage);
         CSamples samples;
         LoadReport(settings->path, samples, options);
         CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
-        const std::string where = "sample " + std::to_string(settings->sample);
-        Chart chart;
-        if (settings->fragments) {
-            const CFragmentAnalysis& analysis =
-                RunFragmentAnalysis(sample, settings->settings, settings->path, options);
-            chart = FragmentChart(analysis, where);
-            if (chart.sticks.empty())
-                throw ToolError(where + " has no fragments to plot");
-        } else if (!settings->combined.empty()) {
-            const int type = settings->combined == "expected" ? 0
-                             : settings->combined == "all"    ? 1
-                                                              : 2;
-            sample.SetCombinedTraceType(type, -100);
-            sample.CombinedTraceNeedsData(true, false, false);
-            sample.SetupCombinedTrace(-100, false, 0, 0, false, 0, 0, 0, false, false, 0, false,
-                                      false, false, 0, 0, true, true, false);
-            const CChromatoData* trace = sample.GetTrace(-100);
-            if (trace == nullptr || trace->GetNumPeaks() == 0)
-                throw ToolError(where + " has no found metabolites to combine");
-            chart = TraceChart(sample, *trace,
-                               where + ": combined trace of the " + settings->combined +
-                                   " found metabolites (parent left out)");
-        } else if (settings->spectrum >= 0) {
-            CSpectrumData* found = sample.GetCorrespondingSpectrum(settings->spectrum);
-            if (found == nullptr)
-                throw ToolError(where + " has no spectrum of peak " +
-                                std::to_string(settings->spectrum));
-            chart.title = where + ": spectrum of peak " + std::to_string(settings->spectrum);
-            chart.xLabel = "m/z";
-            chart.yLabel = "Intensity";
-            CPeakData point;
-            for (int i = 0; i < found->GetNumPeaks(); ++i)
-                if (found->GetPeak(i, point))
-                    chart.sticks.emplace_back(point.GetMass(), point.GetIntensity());
-            auto strongest = chart.sticks;
-            std::sort(strongest.begin(), strongest.end(),
-                      [](auto a, auto b) { return a.second > b.second; });
-            // The strongest masses, labelled unless a stronger label stands too close (8% of the
-            // mass range), so that labels of an isotope cluster do not overlap.
-            const double span =
-                strongest.empty()
-                    ? 1.0
-                    : std::max_element(chart.sticks.begin(), chart.sticks.end())->first -
-                          std::min_element(chart.sticks.begin(), chart.sticks.end())->first;
-            for (const auto& stick : strongest) {
-                const double mass = stick.first;
-                if (chart.labels.size() == 6)
-                    break;
-                const bool crowded = std::any_of(chart.labels.begin(), chart.labels.end(),
-                                                 [&](const ChartLabel& label) {
-                                                     return std::abs(label.x - mass) < 0.08 * span;
-                                                 });
-                if (!crowded)
-                    chart.labels.push_back({mass, stick.second, Fixed(mass, 4)});
-            }
-        } else {
-            const CChromatoData* found = sample.GetTrace(settings->trace);
-            if (found == nullptr)
-                throw ToolError(where + " has no trace " + std::to_string(settings->trace));
-            chart = TraceChart(sample, *found,
-                               where + ", trace " + std::to_string(settings->trace) + ": " +
-                                   found->GetDescription().str());
+        const Chart chart = ChosenChart(*settings, spectrum->count() > 0, sample, options);
+        const std::string svg = ChartSvg(chart, settings->size);
+        if (settings->output.empty() || settings->output == "-") {
+            std::cout << svg << std::flush;
+            return;
         }
-        WriteFileAtomically(settings->output, ChartSvg(chart));
+        WriteFileAtomically(settings->output, svg);
         Note(options, "wrote " + settings->output);
     });
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +13,7 @@
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace quillon::tool {
 
@@ -56,20 +58,109 @@ void AddOutputOptions(CLI::App& command, GlobalOptions& options) {
     command.add_option("-o,--output", options.output, "Write to FILE instead of standard output");
 }
 
-void LoadReport(const std::string& path, CSamples& samples) {
+namespace {
+
+bool g_verbose = false;
+
+// The standard input's copy: removed when the tool ends.
+struct Spool {
+    std::string path;
+    ~Spool() {
+        if (!path.empty())
+            ::unlink(path.c_str());
+    }
+};
+
+std::string SpoolStandardInput() {
+    const char* folder = std::getenv("TMPDIR");
+    std::string name =
+        std::string(folder != nullptr && *folder ? folder : "/tmp") + "/quillon-stdin-XXXXXX";
+    const int descriptor = ::mkstemp(name.data());
+    if (descriptor < 0)
+        throw ToolError("cannot keep standard input in a temporary file: " +
+                        std::string(std::strerror(errno)));
+    std::vector<char> block(1 << 16);
+    ssize_t got = 0;
+    bool written = true;
+    while (written && (got = ::read(STDIN_FILENO, block.data(), block.size())) != 0) {
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            break;
+        for (ssize_t done = 0; written && done < got;) {
+            const ssize_t step = ::write(descriptor, block.data() + done, got - done);
+            written = step > 0 || (step < 0 && errno == EINTR);
+            done += std::max<ssize_t>(step, 0);
+        }
+    }
+    const int error = errno;
+    ::close(descriptor);
+    if (got < 0 || !written) {
+        ::unlink(name.c_str());
+        throw ToolError("cannot keep standard input in a temporary file: " +
+                        std::string(std::strerror(error)));
+    }
+    return name;
+}
+
+// "1-6", "1-3, 5, 8-9": numbers in ascending order, runs shortened.
+std::string Runs(std::vector<int> numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    std::string text;
+    for (size_t i = 0; i < numbers.size();) {
+        size_t last = i;
+        while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1)
+            ++last;
+        text += (text.empty() ? "" : ", ") + std::to_string(numbers[i]);
+        if (last > i)
+            text += "-" + std::to_string(numbers[last]);
+        i = last + 1;
+    }
+    return text;
+}
+
+} // namespace
+
+std::string SpooledPath(const std::string& path) {
+    if (path != "-")
+        return path;
+    static Spool spool;
+    if (spool.path.empty())
+        spool.path = SpoolStandardInput();
+    return spool.path;
+}
+
+void SetVerbose(bool verbose) {
+    g_verbose = verbose;
+}
+
+void Verbose(const std::string& text) {
+    if (g_verbose)
+        std::cerr << "quillon: " << text << "\n";
+}
+
+void LoadReport(const std::string& requested, CSamples& samples) {
+    const auto start = std::chrono::steady_clock::now();
+    const std::string path = SpooledPath(requested);
+    const std::string name = requested == "-" ? "standard input" : Quoted(requested);
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0)
-        throw ToolError("cannot open " + Quoted(path) + ": " + std::strerror(errno));
+        throw ToolError("cannot open " + name + ": " + std::strerror(errno));
     if (S_ISDIR(status.st_mode))
-        throw ToolError("cannot open " + Quoted(path) + ": Is a directory");
+        throw ToolError("cannot open " + name + ": Is a directory");
     if (!S_ISREG(status.st_mode))
-        throw ToolError("cannot open " + Quoted(path) + ": not a regular file");
+        throw ToolError("cannot open " + name + ": not a regular file");
     if (::access(path.c_str(), R_OK) != 0)
-        throw ToolError("cannot open " + Quoted(path) + ": " + std::strerror(errno));
+        throw ToolError("cannot open " + name + ": " + std::strerror(errno));
+    Verbose("reading " + name + " (" + std::to_string(status.st_size) + " bytes)");
     if (!samples.Read(path.c_str()))
-        throw ToolError("cannot read " + Quoted(path));
+        throw ToolError("cannot read " + name);
     if (samples.GetSamplesCount() == 0)
-        throw ToolError(Quoted(path) + " is not a report: it holds no sample");
+        throw ToolError(name + " is not a report: it holds no sample");
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    Verbose("read " + name + ": " + std::to_string(samples.GetSamplesCount()) + " samples in " +
+            Fixed(took.count(), 2) + " s");
 }
 
 std::string ProblemsSummary(const std::string& path, size_t problems) {
@@ -121,11 +212,14 @@ void DrawProgressBar(const std::string& text, double share) {
 }
 
 CSampleData& SampleByNumber(CSamples& samples, int number, const std::string& path) {
+    std::vector<int> numbers;
     for (int i = 0; i < samples.GetSamplesCount(); ++i) {
         if (samples.GetSample(i)->GetNumber() == number)
             return *samples.GetSample(i);
+        numbers.push_back(samples.GetSample(i)->GetNumber());
     }
-    throw ToolError(Quoted(path) + " has no sample " + std::to_string(number));
+    throw ToolError((path == "-" ? "standard input" : Quoted(path)) + " has no sample " +
+                    std::to_string(number) + "; its samples are " + Runs(numbers));
 }
 
 void PrintTable(const Table& table, const GlobalOptions& options) {
@@ -208,7 +302,7 @@ void WriteFileAtomically(const std::string& path, const std::string& text) {
 }
 
 void SaveReport(CSamples& samples, const std::string& inPath, const std::string& outPath) {
-    AsToolError([&] { SaveReportAtomically(samples, inPath, outPath); });
+    AsToolError([&] { SaveReportAtomically(samples, SpooledPath(inPath), outPath); });
 }
 
 void Note(const GlobalOptions& options, const std::string& text) {

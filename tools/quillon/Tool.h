@@ -33,6 +33,7 @@ struct ToolError : std::runtime_error {
 struct GlobalOptions {
     bool quiet = false;
     bool strict = false;          // a report with problems is an error, not a warning
+    bool verbose = false; // what the tool does (files read, samples, time) on standard error
     std::string format = "table"; // table, csv or json
     std::string output;           // empty: standard output
 };
@@ -44,7 +45,8 @@ using Registration = std::function<void(CLI::App& app, GlobalOptions& options)>;
 void AddOutputOptions(CLI::App& command, GlobalOptions& options);
 
 // Reads a report into samples. Throws ToolError naming the file and the reason: missing, a
-// folder, not a regular file, unreadable, or not a report (no sample in it).
+// folder, not a regular file, unreadable, or not a report (no sample in it). The path "-" reads
+// standard input (see SpooledPath). With --verbose, says what was read and how long it took.
 void LoadReport(const std::string& path, CSamples& samples);
 // The same for a subcommand that goes on to use what it read: a progress bar while reading on a
 // terminal (not when quiet), and when the read report is not clean, one warning line on standard
@@ -58,8 +60,19 @@ std::string ProblemsSummary(const std::string& path, size_t problems);
 // filled to share (0..1) and the percentage.
 void DrawProgressBar(const std::string& text, double share);
 
-// The sample with that number; throws ToolError when the report has none.
+// The file a report path names: the path itself, or for "-" a private temporary file (mode 0600)
+// holding all of standard input, written on the first call and removed when the tool ends, since
+// the reader and the writer need a file they can seek in.
+std::string SpooledPath(const std::string& path);
+
+// The sample with that number; throws ToolError naming the report's sample numbers when it has
+// none ("'b.txt' has no sample 9; its samples are 1-6").
 CSampleData& SampleByNumber(CSamples& samples, int number, const std::string& path);
+
+// Turns the messages of --verbose on or off for the whole run.
+void SetVerbose(bool verbose);
+// Writes a line on standard error when --verbose is on: "quillon: read b.txt: 6 samples in 0.21 s".
+void Verbose(const std::string& text);
 
 // Rows of texts under named columns.
 struct Table {

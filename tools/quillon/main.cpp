@@ -1,11 +1,66 @@
 // quillon: read, analyse, export, plot and edit metabolite-identification reports.
 #include "Commands.h"
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <iostream>
+#include <numeric>
+#include <string_view>
+#include <vector>
 
 using namespace quillon;
 using namespace quillon::tool;
+
+namespace {
+
+// Edits (insertions, deletions, substitutions) that turn a into b.
+size_t EditDistance(std::string_view a, std::string_view b) {
+    std::vector<size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 1; i <= a.size(); ++i) {
+        size_t diagonal = row[0];
+        row[0] = i;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t above = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] != b[j - 1])});
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
+// The first word that is no option, when it names no subcommand: a message suggesting the nearest
+// names (at most two edits away), or listing them all. Empty when the command line is fine.
+std::string UnknownSubcommand(CLI::App& app, int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view word = argv[i];
+        if (word.empty() || word[0] == '-')
+            continue;
+        std::vector<std::string> names;
+        for (const CLI::App* command : app.get_subcommands({}))
+            names.push_back(command->get_name());
+        if (std::find(names.begin(), names.end(), word) != names.end())
+            return "";
+        std::string message = "unknown subcommand '" + std::string(word) + "'";
+        size_t nearest = 3;
+        for (const std::string& name : names)
+            nearest = std::min(nearest, EditDistance(word, name));
+        std::string close;
+        for (const std::string& name : names)
+            if (EditDistance(word, name) == nearest)
+                close += (close.empty() ? "'" : " or '") + name + "'";
+        if (!close.empty())
+            return message + "; did you mean " + close + "?";
+        std::string all;
+        for (const std::string& name : names)
+            all += (all.empty() ? "" : ", ") + name;
+        return message + "; the subcommands are " + all;
+    }
+    return "";
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     CLI::App app{"quillon: read, analyse, export, plot and edit metabolite-identification reports"};
@@ -19,6 +74,8 @@ int main(int argc, char** argv) {
     app.add_flag("--strict", options.strict,
                  "A report with problems (see the check subcommand) is an error (exit code 1)\n"
                  "instead of a warning");
+    app.add_flag("-v,--verbose", options.verbose,
+                 "Say on standard error what the tool does: files read, samples, time taken");
     for (const Registration& add :
          {Registration(RegisterInfo), Registration(RegisterMetabolites),
           Registration(RegisterSummary), Registration(RegisterFragments),
@@ -43,8 +100,17 @@ int main(int argc, char** argv) {
     hooks.molfileDirectory = [] { return CString("/dev/null/"); };
     SetHostHooks(hooks);
 
+    const std::string unknown = UnknownSubcommand(app, argc, argv);
+    if (!unknown.empty()) {
+        std::cerr << "quillon: " << unknown << "\n";
+        return kExitUsage;
+    }
+    const auto start = std::chrono::steady_clock::now();
+    app.parse_complete_callback([&options] { SetVerbose(options.verbose && !options.quiet); });
     try {
         app.parse(argc, argv);
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+        Verbose("done in " + Fixed(took.count(), 2) + " s");
     } catch (const CLI::ParseError& error) {
         const int code = app.exit(error);
         return code == 0 ? kExitOk : kExitUsage;

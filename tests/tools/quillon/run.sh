@@ -49,14 +49,29 @@ assert len(series) == 1 and abs(series[0]["half_life_min"] - 55) <= 0.15 * 55
 assert series[0]["half_life_low_min"] < series[0]["half_life_min"] < series[0]["half_life_high_min"]
 PY
 expect 0 "$quillon" plot "$example" --sample 4 --trace 2 -o "$work/trace.svg"
-expect 0 "$quillon" plot "$example" --sample 4 --combined all -o "$work/combined.svg"
-expect 0 "$quillon" plot "$example" --sample 4 --spectrum 1 -o "$work/spectrum.svg"
 expect 0 "$quillon" plot "$example" --sample 4 --fragments -o "$work/fragments.svg"
-for svg in trace combined spectrum stability fragments; do
+# Standard output by default and for -o -; the figures' layout is the browser test's
+# (test_figures.py).
+expect 0 "$quillon" plot "$example" --sample 4 --spectrum 1 --function 2 -o - --size 640x400
+grep -q 'function 2 (TOF MSe' "$work/out" && tail -1 "$work/out" | grep -qx "</svg>" || fail "plot -o - did not write the figure"
+for svg in trace fragments stability; do
     xmllint --noout "$work/$svg.svg" 2>/dev/null || fail "$svg.svg is not well-formed"
-    grep -q "<text" "$work/$svg.svg" || fail "$svg.svg has no labels"
 done
-grep -q "<polyline" "$work/trace.svg" || fail "trace.svg has no trace"
+# A figure with nothing to draw is an error, not empty axes.
+expect 1 "$quillon" plot "$example" --sample 1 --combined unexpected -o "$work/none.svg"
+[ ! -e "$work/none.svg" ] && grep -q "sample 1 has no unexpected metabolites" "$work/err" || fail "plot of nothing: $(cat "$work/err")"
+# Each donor group fitted alone, with the spread of the half-lives.
+awk '/^Sample\t/ { n++ } /^TaskCode\t/ { $0 = "TaskCode\tD0" (n % 3 ? 1 : 2) } { print }' "$example" >"$work/donors.txt"
+expect 0 "$quillon" stability "$work/donors.txt" --group-by TaskCode --format json
+python3 - "$work/out" <<'PY' || fail "stability --group-by"
+import json, sys
+rows = json.load(open(sys.argv[1]))
+groups, summary = rows[:-1], rows[-1]
+assert [g["parent"] for g in groups] == ["Chlorpromazine, TaskCode D01", "Chlorpromazine, TaskCode D02"]
+lives = [g["half_life_min"] for g in groups if g["half_life_min"]]
+assert summary["groups_with_half_life"] == len(lives) >= 1
+assert abs(summary["half_life_mean_min"] - sum(lives) / len(lives)) < 1e-9
+PY
 # Fragment sticks, and the fragments formed by a neutral loss marked and named after it.
 [ "$(grep -c '<line x1=.*stroke="#1f5fa8"' "$work/fragments.svg")" -ge 10 ] || fail "fragments.svg has too few sticks"
 grep -q '<path' "$work/fragments.svg" && grep -q "−C2H7N" "$work/fragments.svg" || fail "fragments.svg marks no neutral loss"
@@ -177,10 +192,34 @@ grep -qx "quillon: $work/sixty.txt has 1 problem (quillon check $work/sixty.txt 
 expect 1 "$quillon" check "$work/skipped.txt"
 grep -q "line 5: unknown section \[NOTES\]" "$work/out" || fail "check does not name the skipped section"
 grep -q "line 9: a line outside any section" "$work/out" || fail "check does not see the stray line"
-expect 2 "$quillon" info
-expect 2 "$quillon" info "$example" --format xml
-expect 2 "$quillon" frobnicate
+# Usage errors: exit code 2 and a line that says what is wrong.
+while IFS='|' read -r words message; do
+    read -ra args <<<"$words"
+    expect 2 "$quillon" "${args[@]/EXAMPLE/$example}"
+    grep -q -- "$message" "$work/err" || fail "$words: $(head -c 300 "$work/err")"
+done <<'EOF'
+info|REPORT is required
+info EXAMPLE --format xml|xml
+infoo EXAMPLE|unknown subcommand 'infoo'; did you mean 'info'?
+frobnicate|the subcommands are info, metabolites
+plot EXAMPLE --sample 4|plot needs what to draw
+plot EXAMPLE --sample 4 --trace 2 --size 10x10|'10x10' is no size
+stability EXAMPLE --group-by Nope|not a header field
+stability EXAMPLE --series 9|the series are 1 Chlorpromazine
+edit - --in-place --sample 4 --metabolite 0 --confirm|edit of standard input needs -o
+EOF
+expect 1 "$quillon" metabolites "$example" --sample 9
+grep -q "has no sample 9; its samples are 1-6" "$work/err" || fail "--sample 9: $(cat "$work/err")"
 expect 0 "$quillon" --version
+
+# A report on standard input reads as the file does, and saves to a file; --verbose says what
+# was read.
+"$quillon" info "$example" >"$work/info-file.txt"
+"$quillon" -v info - <"$example" >"$work/out" 2>"$work/err" || fail "info from standard input"
+cmp -s "$work/out" "$work/info-file.txt" || fail "standard input reads otherwise"
+grep -q "read standard input: 6 samples in" "$work/err" || fail "--verbose: $(cat "$work/err")"
+"$quillon" -q edit - -o "$work/from-stdin.txt" --sample 4 --metabolite 0 --unconfirm <"$example" &&
+    "$quillon" -q check "$work/from-stdin.txt" >/dev/null || fail "edit from standard input"
 
 if [ "$failures" -ne 0 ]; then
     echo "$failures failure(s)"
