@@ -1,10 +1,54 @@
 // fragments and stability: the analyses run over a loaded report.
 #include "Commands.h"
+#include "RowPrinter.h"
 #include "Svg.h"
+#include "json/ModelRecords.h"
 
 #include <memory>
 
 namespace quillon::tool {
+
+namespace {
+
+// The rows of one series in a table: the series with its fit, then each time point, then the
+// formation of each metabolite; the columns a row does not fill are empty.
+void StabilityRows(RowSink& rows, const CMetabolicStabilityInfo& info, const std::string& flags) {
+    const bool fitted = info.HasHalfLife();
+    auto row = [&](std::string_view parent, const FieldValue& sample, const FieldValue& time,
+                   const FieldValue& amount, const FieldValue& percent, bool series) {
+        rows.BeginRow();
+        rows.Put("parent", parent);
+        rows.Put("sample", sample);
+        rows.Put("time_min", time);
+        rows.Put("amount", amount);
+        rows.Put("percent_remaining", percent);
+        auto fit = [&](const char* key, bool valid, double value) {
+            rows.Put(key, series && valid ? FieldValue(value) : FieldValue(Null{}));
+        };
+        fit("k_per_min", !info.Has(CMetabolicStabilityInfo::kTooFewTimePoints), info.k);
+        fit("half_life_min", fitted, info.halfLife);
+        fit("half_life_95_low", fitted, info.halfLifeLow);
+        fit("half_life_95_high", info.halfLifeHigh > 0, info.halfLifeHigh);
+        fit("clint_ul_min_mg", fitted, info.intrinsicClearance);
+        fit("clearance_ml_min_kg", fitted, info.scaledClearance);
+        fit("r_squared", info.pointsUsed > 2, info.rSquared);
+        rows.Put("flags", series ? std::string_view(flags) : std::string_view());
+        rows.EndRow();
+    };
+    row(info.parent.view(), Null{}, Null{}, Null{}, Null{}, true);
+    for (const auto& point : info.points)
+        row({}, static_cast<long long>(point.sampleNumber), point.time,
+            point.hasAmount ? FieldValue(point.amount) : FieldValue(Null{}),
+            info.initialAmount > 0 && point.hasAmount ? FieldValue(point.percentRemaining)
+                                                      : FieldValue(Null{}),
+            false);
+    for (const auto& formation : info.formation) {
+        const std::string name = "  " + formation.name.str() + " " + formation.label.str();
+        row(name, Null{}, formation.timeOfMaximum, Null{}, formation.maximumPercentOfParent, false);
+    }
+}
+
+} // namespace
 
 void RegisterFragments(CLI::App& app, GlobalOptions& options) {
     struct Settings {
@@ -29,41 +73,9 @@ void RegisterFragments(CLI::App& app, GlobalOptions& options) {
         CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
         const CFragmentAnalysis* analysis =
             &RunFragmentAnalysis(sample, settings->settings, settings->path, options);
-        CStringArray fragments;
-        CStringArray losses;
-        analysis->GetFragments(fragments);
-        analysis->GetNeutralLosses(losses);
-        if (options.format == "json") {
-            nlohmann::json document;
-            document["sample"] = settings->sample;
-            document["fragments"] = nlohmann::json::array();
-            for (const FragmentEntry& entry : analysis->GetFragmentEntries())
-                document["fragments"].push_back({{"nominal_mass", entry.NominalMass},
-                                                 {"parent_index", entry.ParentIndex},
-                                                 {"partner_index", entry.PartnerIndex},
-                                                 {"function_index", entry.FunctionIndex},
-                                                 {"spectrum_peak_id", entry.SpectrumPeakID},
-                                                 {"cluster_id", entry.ClusterID}});
-            document["neutral_losses"] = nlohmann::json::array();
-            for (const NeutralLossEntry& entry : analysis->GetNeutralLossEntries())
-                document["neutral_losses"].push_back({{"mass", entry.Mass},
-                                                      {"nominal_mass", entry.NominalMass},
-                                                      {"label", entry.Label.str()}});
-            document["fragment_lines"] = nlohmann::json::array();
-            for (const CString& line : fragments)
-                document["fragment_lines"].push_back(line.str());
-            document["neutral_loss_lines"] = nlohmann::json::array();
-            for (const CString& line : losses)
-                document["neutral_loss_lines"].push_back(line.str());
-            PrintJson(document, options);
-            return;
-        }
-        Table table{{"kind", "line"}, {}, {false, false}};
-        for (const CString& line : fragments)
-            table.rows.push_back({"fragment", line.str()});
-        for (const CString& line : losses)
-            table.rows.push_back({"neutral loss", line.str()});
-        PrintTable(table, options);
+        RowPrinter rows(options);
+        FragmentRows(rows, sample.GetNumber(), *analysis);
+        rows.Close();
     });
 }
 
@@ -108,9 +120,6 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
                     text += (text.empty() ? "" : "; ") + std::string(name);
             return text;
         };
-        auto orEmpty = [](bool valid, double value, int decimals) {
-            return valid ? Fixed(value, decimals) : std::string();
-        };
         if (options.format == "json") {
             nlohmann::json document = nlohmann::json::array();
             for (const CMetabolicStabilityInfo& info : series) {
@@ -150,35 +159,10 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
             }
             PrintJson(document, options);
         } else {
-            Table table{
-                {"parent", "sample", "time_min", "amount", "percent_remaining", "k_per_min",
-                 "half_life_min", "half_life_95_low", "half_life_95_high", "clint_ul_min_mg",
-                 "clearance_ml_min_kg", "r_squared", "flags"},
-                {},
-                {false, true, true, true, true, true, true, true, true, true, true, true, false}};
-            for (const CMetabolicStabilityInfo& info : series) {
-                const bool t = info.HasHalfLife();
-                table.rows.push_back(
-                    {info.parent.str(), "", "", "", "",
-                     orEmpty(!info.Has(CMetabolicStabilityInfo::kTooFewTimePoints), info.k, 5),
-                     orEmpty(t, info.halfLife, 1), orEmpty(t, info.halfLifeLow, 1),
-                     orEmpty(info.halfLifeHigh > 0, info.halfLifeHigh, 1),
-                     orEmpty(t, info.intrinsicClearance, 1), orEmpty(t, info.scaledClearance, 1),
-                     orEmpty(info.pointsUsed > 2, info.rSquared, 4), flagsText(info)});
-                for (const auto& point : info.points)
-                    table.rows.push_back({"", std::to_string(point.sampleNumber),
-                                          Fixed(point.time, 1),
-                                          point.hasAmount ? Fixed(point.amount, 1) : "",
-                                          orEmpty(info.initialAmount > 0 && point.hasAmount,
-                                                  point.percentRemaining, 1),
-                                          "", "", "", "", "", "", "", ""});
-                for (const auto& formation : info.formation)
-                    table.rows.push_back({"  " + formation.name.str() + " " + formation.label.str(),
-                                          "", Fixed(formation.timeOfMaximum, 1), "",
-                                          Fixed(formation.maximumPercentOfParent, 1), "", "", "",
-                                          "", "", "", "", "max % of parent"});
-            }
-            PrintTable(table, options);
+            RowPrinter rows(options);
+            for (const CMetabolicStabilityInfo& info : series)
+                StabilityRows(rows, info, flagsText(info));
+            rows.Close();
         }
         if (!settings->plot.empty() && series.GetSize() > 0)
             WriteFileAtomically(settings->plot, StabilitySvg(series[0]));
