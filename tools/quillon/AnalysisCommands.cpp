@@ -3,6 +3,7 @@
 #include "RowPrinter.h"
 #include "Svg.h"
 #include "json/ModelRecords.h"
+#include "json/StabilityJson.h"
 
 #include <memory>
 
@@ -106,62 +107,15 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
         LoadReport(settings->path, samples);
         CArray<CMetabolicStabilityInfo> series;
         samples.CreateMetabolicStabilityAnalysis(series, settings->parameters);
-        auto flagsText = [](const CMetabolicStabilityInfo& info) {
-            std::string text;
-            const std::pair<int, const char*> names[] = {
-                {CMetabolicStabilityInfo::kNoParent, "no parent"},
-                {CMetabolicStabilityInfo::kNoInitialAmount, "no initial amount"},
-                {CMetabolicStabilityInfo::kTooFewTimePoints, "too few time points"},
-                {CMetabolicStabilityInfo::kNoDecline, "no decline"},
-                {CMetabolicStabilityInfo::kPoorFit, "poor fit"},
-                {CMetabolicStabilityInfo::kOpenInterval, "open interval"}};
-            for (const auto& [flag, name] : names)
-                if (info.flags & flag)
-                    text += (text.empty() ? "" : "; ") + std::string(name);
-            return text;
-        };
         if (options.format == "json") {
             nlohmann::json document = nlohmann::json::array();
-            for (const CMetabolicStabilityInfo& info : series) {
-                nlohmann::json entry = {{"parent", info.parent.str()},
-                                        {"process_parameters", info.processParameters.str()},
-                                        {"points_used", info.pointsUsed},
-                                        {"k_per_min", info.k},
-                                        {"k_standard_error", info.standardErrorK},
-                                        {"r_squared", info.rSquared},
-                                        {"flags", flagsText(info)}};
-                entry["half_life_min"] =
-                    info.HasHalfLife() ? nlohmann::json(info.halfLife) : nlohmann::json();
-                entry["half_life_low_min"] =
-                    info.HasHalfLife() ? nlohmann::json(info.halfLifeLow) : nlohmann::json();
-                entry["half_life_high_min"] =
-                    info.halfLifeHigh > 0 ? nlohmann::json(info.halfLifeHigh) : nlohmann::json();
-                entry["clint_ul_min_mg"] =
-                    info.HasHalfLife() ? nlohmann::json(info.intrinsicClearance) : nlohmann::json();
-                entry["scaled_clearance_ml_min_kg"] =
-                    info.HasHalfLife() ? nlohmann::json(info.scaledClearance) : nlohmann::json();
-                entry["points"] = nlohmann::json::array();
-                for (const auto& point : info.points)
-                    entry["points"].push_back({{"sample", point.sampleNumber},
-                                               {"time_min", point.time},
-                                               {"amount", point.amount},
-                                               {"percent_remaining", point.percentRemaining},
-                                               {"used_in_fit", point.usedInFit}});
-                entry["formation"] = nlohmann::json::array();
-                for (const auto& formation : info.formation)
-                    entry["formation"].push_back(
-                        {{"name", formation.name.str()},
-                         {"shift", formation.label.str()},
-                         {"amount_at_time", formation.amountAtTime},
-                         {"time_of_maximum_min", formation.timeOfMaximum},
-                         {"maximum_percent_of_parent", formation.maximumPercentOfParent}});
-                document.push_back(std::move(entry));
-            }
+            for (const CMetabolicStabilityInfo& info : series)
+                document.push_back(StabilityJson(info));
             PrintJson(document, options);
         } else {
             RowPrinter rows(options);
             for (const CMetabolicStabilityInfo& info : series)
-                StabilityRows(rows, info, flagsText(info));
+                StabilityRows(rows, info, StabilityFlagsText(info));
             rows.Close();
         }
         if (!settings->plot.empty() && series.GetSize() > 0)

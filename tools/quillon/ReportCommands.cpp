@@ -1,10 +1,8 @@
 // info, metabolites and summary: what a report holds.
 #include "Commands.h"
+#include "MetaboliteRow.h"
 #include "RowPrinter.h"
 #include "json/ModelRecords.h"
-#include "json/NumberText.h"
-
-#include <quillon/metabolites/MetaboliteDisplay.h>
 
 #include <map>
 #include <memory>
@@ -50,26 +48,6 @@ private:
     RecordSink* m_rows = nullptr;
     std::map<std::string, long long> m_sums;
 };
-
-// The metabolite's record followed by the browser's derived columns: trace_name (the trace
-// column's text), area_percent (of its group), found_percent (of the sample's found area),
-// is_ratio (area over the internal standard's, as the browser rounds it); null when absent.
-void MetaboliteRow(RecordSink& rows, CSampleData& sample, int index) {
-    const CMetaboliteData& metabolite = *sample.GetMetabolite(index);
-    MetaboliteRecord(rows, sample, index);
-    CString text;
-    GetTraceText(metabolite, &sample, text);
-    rows.Field("trace_name", text);
-    rows.FieldIf("area_percent", metabolite.GetRelativePeakArea() >= 0,
-                 metabolite.GetRelativePeakArea());
-    const CChromatogramPeak* peak = sample.GetCorispondingPeakInfo(
-        metabolite.GetPeakNum(), metabolite.GetFunctionNum(), metabolite.GetTraceNum());
-    rows.FieldIf("found_percent", peak != nullptr && metabolite.GetFound(),
-                 peak ? peak->GetAreaPercentTotal() : 0.0f);
-    GetISAreaRatioText(metabolite, &sample, text);
-    double ratio = 0.0;
-    rows.FieldIf("is_ratio", ParseNumberText(text.view(), ratio), ratio);
-}
 
 } // namespace
 
@@ -131,27 +109,17 @@ void RegisterMetabolites(CLI::App& app, GlobalOptions& options) {
     command->callback([settings, &options] {
         CSamples samples;
         LoadReport(settings->path, samples);
-        CDivBroParams params;
-        if (settings->massDefect.size() == 2) {
-            params.MassDefectFilterOn = true;
-            params.MassDefectLower = settings->massDefect[0];
-            params.MassDefectUpper = settings->massDefect[1];
-        }
-        if (settings->area >= 0.0) {
-            params.AreaFilterOn = true;
-            params.AreaFilterOnExpected = true;
-            params.AreaThreshold = static_cast<float>(settings->area);
-        }
-        if (settings->massError >= 0.0) {
-            params.MassErrorFilterOn = true;
-            params.MassErrorLimit = settings->massError;
-        }
-        if (settings->time.size() == 2) {
-            params.TimeFilterOn = true;
-            params.TimeLow = settings->time[0];
-            params.TimeHigh = settings->time[1];
-        }
-        params.HideHighEnergy = settings->hideHighEnergy;
+        MetaboliteFilter filter;
+        if (settings->massDefect.size() == 2)
+            filter.massDefect = {settings->massDefect[0], settings->massDefect[1]};
+        if (settings->area >= 0.0)
+            filter.area = settings->area;
+        if (settings->massError >= 0.0)
+            filter.massError = settings->massError;
+        if (settings->time.size() == 2)
+            filter.time = {settings->time[0], settings->time[1]};
+        filter.hideHighEnergy = settings->hideHighEnergy;
+        const CDivBroParams params = FilterParams(filter);
         if (settings->sample != 0)
             SampleByNumber(samples, settings->sample, settings->path);
 

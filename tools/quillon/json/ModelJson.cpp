@@ -39,6 +39,10 @@ void JsonObjectSink::Put(std::string_view key, const FieldValue& value) {
     m_object[std::string(key)] = ToJson(value);
 }
 
+void JsonRowsSink::Put(std::string_view key, const FieldValue& value) {
+    m_array.back()[std::string(key)] = ToJson(value);
+}
+
 nlohmann::json RecordJson(const std::function<void(RecordSink&)>& fill) {
     nlohmann::json object = nlohmann::json::object();
     JsonObjectSink sink(object);

@@ -30,6 +30,18 @@ private:
     nlohmann::json& m_object;
 };
 
+// Collects rows as a JSON array of objects, one object a row.
+class JsonRowsSink : public RowSink {
+public:
+    explicit JsonRowsSink(nlohmann::json& array) : m_array(array) {}
+    void BeginRow() override { m_array.push_back(nlohmann::json::object()); }
+    void EndRow() override {}
+    void Put(std::string_view key, const FieldValue& value) override;
+
+private:
+    nlohmann::json& m_array;
+};
+
 // The record that fill writes, as one JSON object.
 nlohmann::json RecordJson(const std::function<void(RecordSink&)>& fill);
 
