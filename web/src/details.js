@@ -96,7 +96,7 @@ async function renderCombined(route, options) {
   select.onchange = () => renderCombined(route, options);
   const answer = await get(`samples/${route.sample}/combined/${select.value}`, route.report, { width: width() });
   const box = document.getElementById("combined-plot");
-  if (!answer.points.x.length) {
+  if (!answer.points.y.some((v) => v > 0)) {
     box.replaceChildren(el("p", { class: "muted" }, "No found metabolites to combine."));
     return;
   }

@@ -79,8 +79,11 @@ function sticks(u, seriesIndex, first, last) {
   return { stroke: path, fill: null };
 }
 
-function axis(label) {
-  return { label, stroke: css("--muted"), grid: { stroke: css("--grid"), width: 1 }, ticks: { stroke: css("--grid") } };
+// Large intensities as "2.5e6", so that tick labels fit beside the plot.
+const compact = (u, splits) => splits.map((v) => (Math.abs(v) >= 1e5 ? v.toExponential(1) : String(+v.toFixed(6))));
+
+function axis(label, extra = {}) {
+  return { label, stroke: css("--muted"), grid: { stroke: css("--grid"), width: 1 }, ticks: { stroke: css("--grid") }, ...extra };
 }
 
 // Draws points ({x: [], y: []}) into container, replacing what was there. Options: xLabel,
@@ -102,7 +105,7 @@ export function plot(container, points, options) {
         x: { time: false },
         y: options.fromZero === false ? {} : { range: (u, min, max) => [0, max > 0 ? max * 1.12 : 1] },
       },
-      axes: [axis(options.xLabel), axis(options.percent ? "Intensity (%)" : options.yLabel)],
+      axes: [axis(options.xLabel), axis(options.percent ? "Intensity (%)" : options.yLabel, { size: 64, values: compact })],
       legend: { live: true },
       series: [
         { label: options.xLabel, value: (u, v) => (v === null ? "–" : v.toFixed(options.decimals ?? 3)) },

@@ -6,7 +6,7 @@
 import { filterRows, get, isSnapshot } from "./api.js";
 import { el, section, table } from "./dom.js";
 import { renderDetails } from "./details.js";
-import { go } from "./route.js";
+import { go, parseRoute } from "./route.js";
 
 const columns = [
   { key: "index", label: "#", decimals: 0 },
@@ -53,7 +53,7 @@ function layout(route) {
     type: "checkbox", onchange: (e) => { state.percent = e.target.checked; select(route, true); } }), "Intensity in %");
   return el("div", { class: "sample" },
     el("div", { class: "left" }, section("Metabolites", form, el("p", { id: "row-count", class: "muted" }),
-      el("div", { id: "metabolites", class: "scroll table-box", tabindex: "0", onkeydown: (e) => move(e, route) }))),
+      el("div", { id: "metabolites", class: "scroll table-box", tabindex: "0", onkeydown: move }))),
     el("div", { class: "right", id: "details" }, percent, el("p", { class: "muted" }, "Select a metabolite.")));
 }
 
@@ -123,8 +123,9 @@ function drawTable(route) {
   document.getElementById("row-count").textContent = `${rows.length} of ${state.total ?? rows.length} metabolites shown`;
 }
 
-function move(event, route) {
+function move(event) {
   if (event.key !== "ArrowDown" && event.key !== "ArrowUp") return;
+  const route = parseRoute();
   event.preventDefault();
   const rows = sorted();
   if (!rows.length) return;
