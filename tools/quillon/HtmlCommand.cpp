@@ -23,8 +23,8 @@ void RegisterHtml(CLI::App& app, GlobalOptions& options) {
         serve::ServedReports reports = serve::LoadReports(settings->paths);
         const std::string page = serve::SnapshotPage(serve::SnapshotAnswers(reports));
         WriteFileAtomically(settings->output, page);
-        Note(options, "wrote " + settings->output + " (" + std::to_string(page.size() / 1024) +
-                          " KiB)");
+        Note(options,
+             "wrote " + settings->output + " (" + std::to_string(page.size() / 1024) + " KiB)");
     });
 }
 

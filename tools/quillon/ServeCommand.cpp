@@ -40,8 +40,7 @@ serve::HttpRequest PlainRequest(const httplib::Request& request) {
     return plain;
 }
 
-void Answer(serve::Router& router, const httplib::Request& request,
-            httplib::Response& response) {
+void Answer(serve::Router& router, const httplib::Request& request, httplib::Response& response) {
     const serve::HttpResponse answer = router.Handle(PlainRequest(request));
     response.status = answer.status;
     for (const auto& [name, value] : answer.headers)
@@ -103,9 +102,8 @@ void RegisterServe(CLI::App& app, GlobalOptions& options) {
         server.set_payload_max_length(64 * 1024);
         server.new_task_queue = [] { return new httplib::ThreadPool(4); };
         const int port = settings->port == 0 ? server.bind_to_any_port(settings->host)
-                         : server.bind_to_port(settings->host, settings->port)
-                             ? settings->port
-                             : -1;
+                         : server.bind_to_port(settings->host, settings->port) ? settings->port
+                                                                               : -1;
         if (port < 0)
             throw ToolError("cannot listen on " + settings->host + ":" +
                             std::to_string(settings->port) + " (in use, or not an address here)");

@@ -85,9 +85,11 @@ async function renderSpectrum(route, detail, options) {
   const peak = detail.metabolite.peak_id;
   const answer = await get(`samples/${route.sample}/spectra/${peak}`, route.report, { width: width() });
   title.textContent = `Peak ${peak} at ${answer.spectrum.time_min} min, ${answer.points.total} masses`;
+  const wavelengths = answer.x_axis === "wavelength_nm";
   plot(box, answer.points, {
-    xLabel: "m/z", yLabel: "Intensity (counts)", stick: true, percent: options.percent,
-    labels: strongestLabels(answer.points), decimals: 4,
+    xLabel: wavelengths ? "Wavelength (nm)" : "m/z", yLabel: wavelengths ? "Absorbance" : "Intensity (counts)",
+    stick: !wavelengths, percent: options.percent,
+    labels: strongestLabels(answer.points, 6, wavelengths ? 0 : 4), decimals: wavelengths ? 0 : 4,
   });
 }
 

@@ -139,7 +139,11 @@ async function select(route, redraw = false) {
   const tr = document.querySelector(`#metabolite-table tr[data-index="${route.metabolite}"]`);
   if (tr) {
     tr.classList.add("selected");
-    tr.scrollIntoView({ block: "nearest" });
+    const box = document.getElementById("metabolites");
+    const head = tr.closest("table").tHead.offsetHeight;
+    if (tr.offsetTop - head < box.scrollTop) box.scrollTop = tr.offsetTop - head;
+    else if (tr.offsetTop + tr.offsetHeight > box.scrollTop + box.clientHeight)
+      box.scrollTop = tr.offsetTop + tr.offsetHeight - box.clientHeight;
   }
   await renderDetails(document.getElementById("details"), route, { percent: state.percent, redraw });
 }

@@ -74,10 +74,10 @@ TEST_F(RouterTest, RefusesForeignHostsMissingTokensUnmarkedChangesAndLargeBodies
     EXPECT_EQ(first.status, 303);
     bool cookie = false;
     for (const auto& [name, value] : first.headers)
-        cookie = cookie || (name == "Set-Cookie" &&
-                            value.find(std::string("quillon_token=") + kToken) == 0 &&
-                            value.find("HttpOnly") != std::string::npos &&
-                            value.find("SameSite=Strict") != std::string::npos);
+        cookie = cookie ||
+                 (name == "Set-Cookie" && value.find(std::string("quillon_token=") + kToken) == 0 &&
+                  value.find("HttpOnly") != std::string::npos &&
+                  value.find("SameSite=Strict") != std::string::npos);
     EXPECT_TRUE(cookie);
 
     HttpRequest change = Request("POST", "/api/v1/samples/1/fragments");
@@ -121,8 +121,8 @@ TEST_F(RouterTest, BatchAndSampleAnswersCarryTheModelAndItsVersion) {
 }
 
 TEST_F(RouterTest, MetaboliteFiltersKeepOnlyMatchingRows) {
-    const std::string base = "/api/v1/samples/" +
-                             Get("/api/v1/batch")["samples"][1]["sample"].dump() + "/metabolites";
+    const std::string base =
+        "/api/v1/samples/" + Get("/api/v1/batch")["samples"][1]["sample"].dump() + "/metabolites";
     const nlohmann::json all = Get(base);
     ASSERT_GT(all["metabolites"].size(), 2u);
     EXPECT_EQ(all["total"], all["metabolites"].size());
@@ -218,8 +218,8 @@ TEST_F(RouterTest, BadRequestsAreClearErrors) {
 }
 
 TEST_F(RouterTest, FragmentAnalysisRunsAsAJob) {
-    const std::string sample = "/api/v1/samples/" +
-                               Get("/api/v1/batch")["samples"][1]["sample"].dump() + "/fragments";
+    const std::string sample =
+        "/api/v1/samples/" + Get("/api/v1/batch")["samples"][1]["sample"].dump() + "/fragments";
     HttpRequest start = Request("POST", sample);
     start.headers["x-quillon-request"] = "1";
     ASSERT_EQ(Send(start).status, 200);

@@ -27,9 +27,10 @@ std::vector<std::string_view> Segments(std::string_view path) {
 size_t ReportIndex(const ServedReports& reports, const Query& query) {
     if (reports.empty())
         throw ApiError(404, "no report is served");
-    const auto index = query.Text("report") ? ParseInteger(*query.Text("report"), 0,
-                                                           static_cast<long long>(reports.size()) - 1)
-                                            : 0;
+    const auto index =
+        query.Text("report")
+            ? ParseInteger(*query.Text("report"), 0, static_cast<long long>(reports.size()) - 1)
+            : 0;
     if (!index)
         throw ApiError(404, "no report " + *query.Text("report") + " is served");
     return static_cast<size_t>(*index);
@@ -38,9 +39,8 @@ size_t ReportIndex(const ServedReports& reports, const Query& query) {
 nlohmann::json ReportsAnswer(ServedReports& reports) {
     nlohmann::json list = nlohmann::json::array();
     for (size_t i = 0; i < reports.size(); ++i)
-        list.push_back({{"report", i},
-                        {"name", reports[i]->Name()},
-                        {"version", reports[i]->Version()}});
+        list.push_back(
+            {{"report", i}, {"name", reports[i]->Name()}, {"version", reports[i]->Version()}});
     return {{"reports", std::move(list)}};
 }
 

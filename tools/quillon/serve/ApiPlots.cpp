@@ -108,7 +108,11 @@ nlohmann::json SpectrumAnswer(CSampleData& sample, std::string_view segment, con
             if (sample.GetFunction(f)->GetSpectrum(p, false) == spectrum)
                 function = sample.GetFunction(f);
     const int functionNumber = function ? function->GetNumber() : 0;
-    return {{"spectrum", RecordJson([&](RecordSink& sink) {
+    // A diode-array spectrum runs over wavelengths, a mass spectrum over m/z.
+    const CChromatoData* trace =
+        spectrum->GetTraceNumber() > 0 ? sample.GetTrace(spectrum->GetTraceNumber()) : nullptr;
+    return {{"x_axis", trace != nullptr && trace->IsPDA() ? "wavelength_nm" : "mz"},
+            {"spectrum", RecordJson([&](RecordSink& sink) {
                  SpectrumRecord(sink, sample.GetNumber(), functionNumber, *spectrum);
              })},
             {"points", PointsJson(PointsOf(*spectrum), query, false)}};

@@ -69,7 +69,8 @@ nlohmann::json SampleSummary(CSampleData& sample) {
 // hide_high_energy.
 MetaboliteFilter FilterOf(const Query& query) {
     MetaboliteFilter filter;
-    auto range = [&](const char* low, const char* high) -> std::optional<std::pair<double, double>> {
+    auto range = [&](const char* low,
+                     const char* high) -> std::optional<std::pair<double, double>> {
         const auto lower = query.Number(low);
         const auto upper = query.Number(high);
         if (!lower && !upper)
@@ -129,10 +130,10 @@ nlohmann::json MetaboliteAnswer(CSampleData& sample, int index) {
     const CMetaboliteData& metabolite = *sample.GetMetabolite(index);
     const int peak = metabolite.GetPeakNum();
     const int trace = peak >= 1 ? sample.GetCorispondingChromatNumber(peak, 0) : 0;
-    return {{"metabolite",
-             RecordJson([&](RecordSink& sink) { MetaboliteRow(sink, sample, index); })},
-            {"plot_trace", trace != 0 ? nlohmann::json(trace) : nlohmann::json()},
-            {"has_spectrum", peak >= 1 && sample.GetCorrespondingSpectrum(peak) != nullptr}};
+    return {
+        {"metabolite", RecordJson([&](RecordSink& sink) { MetaboliteRow(sink, sample, index); })},
+        {"plot_trace", trace != 0 ? nlohmann::json(trace) : nlohmann::json()},
+        {"has_spectrum", peak >= 1 && sample.GetCorrespondingSpectrum(peak) != nullptr}};
 }
 
 nlohmann::json MetaboliteRoutes(CSampleData& sample, std::span<const std::string_view> rest,
@@ -163,10 +164,9 @@ nlohmann::json FragmentAnswer(ServedReport& report, int number, const std::strin
     if (!job)
         return {{"state", "none"}, {"progress", 0.0}};
     const int state = job->state.load();
-    nlohmann::json answer = {{"state", method == "DELETE" && state == kJobRunning
-                                           ? "cancelling"
-                                           : kStates[state]},
-                             {"progress", job->progress.load()}};
+    nlohmann::json answer = {
+        {"state", method == "DELETE" && state == kJobRunning ? "cancelling" : kStates[state]},
+        {"progress", job->progress.load()}};
     if (state == kJobDone)
         answer["result"] = job->result;
     if (state == kJobFailed)

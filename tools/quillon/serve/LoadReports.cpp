@@ -18,7 +18,8 @@ public:
         std::string pattern =
             (std::filesystem::temp_directory_path() / "quillon-serve-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr)
-            throw ToolError("cannot create a temporary folder: " + std::string(std::strerror(errno)));
+            throw ToolError("cannot create a temporary folder: " +
+                            std::string(std::strerror(errno)));
         m_path = pattern;
     }
     ~TemporaryFolder() {

@@ -52,7 +52,8 @@ Query::Query(std::string_view text) {
             throw ApiError(400, "malformed query: more than 64 parameters");
         const size_t equals = part.find('=');
         m_values[PercentDecode(part.substr(0, equals))] =
-            equals == std::string_view::npos ? std::string() : PercentDecode(part.substr(equals + 1));
+            equals == std::string_view::npos ? std::string()
+                                             : PercentDecode(part.substr(equals + 1));
     }
 }
 
@@ -82,9 +83,8 @@ std::optional<long long> Query::Integer(const std::string& name, long long lowes
         return std::nullopt;
     const auto value = ParseInteger(*text, lowest, highest);
     if (!value)
-        throw ApiError(400, "'" + name + "' must be a whole number from " +
-                                std::to_string(lowest) + " to " + std::to_string(highest) +
-                                ", not '" + *text + "'");
+        throw ApiError(400, "'" + name + "' must be a whole number from " + std::to_string(lowest) +
+                                " to " + std::to_string(highest) + ", not '" + *text + "'");
     return value;
 }
 

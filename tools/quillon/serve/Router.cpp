@@ -30,8 +30,8 @@ std::string_view CookieValue(std::string_view header, std::string_view name) {
     while (!header.empty()) {
         const size_t semicolon = header.find(';');
         std::string_view part = header.substr(0, semicolon);
-        header = semicolon == std::string_view::npos ? std::string_view()
-                                                     : header.substr(semicolon + 1);
+        header =
+            semicolon == std::string_view::npos ? std::string_view() : header.substr(semicolon + 1);
         while (!part.empty() && part.front() == ' ')
             part.remove_prefix(1);
         if (part.size() > name.size() && part.substr(0, name.size()) == name &&
@@ -116,9 +116,9 @@ HttpResponse Router::Handle(const HttpRequest& request) {
 HttpResponse Router::Route(const HttpRequest& request, const Query& query) {
     const std::string_view api = "/api/v1/";
     if (request.path.compare(0, api.size(), api) == 0)
-        return JsonResponse(
-            200, ApiAnswer(m_reports, request.method, std::string_view(request.path).substr(api.size()),
-                           query));
+        return JsonResponse(200,
+                            ApiAnswer(m_reports, request.method,
+                                      std::string_view(request.path).substr(api.size()), query));
     if (request.method != "GET" && request.method != "HEAD")
         throw ApiError(405, "only GET is allowed here");
     if (request.path == "/" && query.Has("token")) {

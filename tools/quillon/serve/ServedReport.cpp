@@ -40,9 +40,8 @@ std::string ReadSmallFile(const std::string& path) {
 
 void InstallServerHooks(const std::string& molfileFolder) {
     HostHooks hooks = GetHostHooks();
-    const std::string prefix = molfileFolder.empty() || molfileFolder.back() == '/'
-                                   ? molfileFolder
-                                   : molfileFolder + "/";
+    const std::string prefix =
+        molfileFolder.empty() || molfileFolder.back() == '/' ? molfileFolder : molfileFolder + "/";
     hooks.molfileDirectory = [prefix] { return CString(prefix); };
     const auto previousFolder = hooks.workingDirectory;
     hooks.workingDirectory = [previousFolder] {
@@ -59,8 +58,8 @@ void InstallServerHooks(const std::string& molfileFolder) {
     hooks.stepProgress = [](int amount) {
         t_job.position += amount;
         if (t_job.job != nullptr)
-            t_job.job->progress = std::min(
-                1.0, double(t_job.position - t_job.lower) / double(t_job.upper - t_job.lower));
+            t_job.job->progress = std::min(1.0, double(t_job.position - t_job.lower) /
+                                                    double(t_job.upper - t_job.lower));
     };
     hooks.endProgress = [] {};
     hooks.cancelRequested = [] { return t_job.job != nullptr && t_job.job->cancel.load(); };

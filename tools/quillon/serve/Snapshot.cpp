@@ -95,8 +95,7 @@ std::string SnapshotPage(const nlohmann::json& answers) {
     const Asset* script = FindAsset("app.js");
     const Asset* style = FindAsset("app.css");
     std::string html(page->bytes);
-    const std::string data =
-        answers.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    const std::string data = answers.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     auto replace = [&html](std::string_view from, const std::string& to) {
         const size_t at = html.find(from);
         if (at != std::string::npos)
