@@ -7,8 +7,10 @@ export const isSnapshot = snapshot !== undefined;
 
 export class ApiError extends Error {}
 
-function snapshotAnswer(path, report) {
-  const key = path === "reports" ? "reports" : `${path}?report=${report}`;
+// The snapshot keeps answers under "PATH?report=R"; a spectrum also under its function.
+function snapshotAnswer(path, report, params) {
+  const key = path === "reports" ? "reports" : `${path}?report=${report}` +
+    (path.includes("/spectra/") ? `&function=${params.function}` : "");
   const answer = snapshot[key];
   if (answer === undefined) throw new ApiError(`not in this snapshot: ${path}`);
   return answer;
@@ -16,7 +18,7 @@ function snapshotAnswer(path, report) {
 
 // GET /api/v1/PATH?report=R&params; resolves to the JSON answer, rejects with the server's error.
 export async function get(path, report = 0, params = {}) {
-  if (isSnapshot) return snapshotAnswer(path, report);
+  if (isSnapshot) return snapshotAnswer(path, report, params);
   const query = new URLSearchParams({ report: String(report), ...params });
   return send("GET", `/api/v1/${path}?${query}`);
 }

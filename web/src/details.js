@@ -77,13 +77,14 @@ async function renderTrace(route, detail, options) {
 async function renderSpectrum(route, detail, options) {
   const box = document.getElementById("spectrum-plot");
   const title = document.getElementById("spectrum-title");
-  if (!detail.has_spectrum) {
+  if (detail.spectrum_function === null) {
     title.textContent = "No spectrum at this metabolite's peak.";
     box.replaceChildren();
     return;
   }
   const peak = detail.metabolite.peak_id;
-  const answer = await get(`samples/${route.sample}/spectra/${peak}`, route.report, { width: width() });
+  const answer = await get(`samples/${route.sample}/spectra/${peak}`, route.report,
+    { function: detail.spectrum_function, width: width() });
   title.textContent = `Peak ${peak} at ${answer.spectrum.time_min} min, ${answer.points.total} masses`;
   const wavelengths = answer.x_axis === "wavelength_nm";
   plot(box, answer.points, {

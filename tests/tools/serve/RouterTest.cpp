@@ -155,7 +155,7 @@ TEST_F(RouterTest, PlotsAreThinnedToTheWidthUnlessAllPointsAreAsked) {
     nlohmann::json detail;
     for (const nlohmann::json& row : found) {
         detail = Get(sample + "/metabolites/" + row["index"].dump());
-        if (detail["plot_trace"].is_number() && detail["has_spectrum"] == true)
+        if (detail["plot_trace"].is_number() && detail["spectrum_function"].is_number())
             break;
     }
     ASSERT_TRUE(detail["plot_trace"].is_number());
@@ -175,8 +175,10 @@ TEST_F(RouterTest, PlotsAreThinnedToTheWidthUnlessAllPointsAreAsked) {
     EXPECT_FALSE(full["peaks"].empty());
 
     const nlohmann::json spectrum =
-        Get(sample + "/spectra/" + detail["metabolite"]["peak_id"].dump() + "?full=1");
+        Get(sample + "/spectra/" + detail["metabolite"]["peak_id"].dump() +
+            "?full=1&function=" + detail["spectrum_function"].dump());
     EXPECT_FALSE(spectrum["points"]["x"].empty());
+    EXPECT_EQ(spectrum["spectrum"]["function"], detail["spectrum_function"]);
     EXPECT_TRUE(Get(sample + "/combined/all?width=300")["points"]["x"].is_array());
     EXPECT_TRUE(Get(sample + "/peaks")["peaks"].is_array());
 }

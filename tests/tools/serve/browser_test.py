@@ -66,14 +66,15 @@ def console_errors(driver):
 
 
 def walk_to_a_metabolite(driver):
-    """Opens the second sample and selects its first found metabolite with a peak."""
+    """Opens the sample with the most found metabolites and selects its first found one."""
     wait_for(driver, "#samples-table tbody tr")
-    rows(driver, "samples-table")[1].click()
+    samples = rows(driver, "samples-table")
+    max(samples, key=lambda row: int(row.find_elements(By.TAG_NAME, "td")[-1].text)).click()
     wait_for(driver, "#metabolite-table tbody tr")
     found = [row for row in rows(driver, "metabolite-table")
              if "dim" not in row.get_attribute("class")]
     assert found
-    found[0].click()
+    found[0].find_element(By.TAG_NAME, "td").click()  # the first cell: no sideways scroll
     wait_for(driver, "#trace-plot canvas")
     wait_for(driver, "#spectrum-plot canvas")
     assert "/s/" in driver.current_url and "/m/" in driver.current_url
@@ -92,6 +93,9 @@ def test_served_page(server, browser):
     before = browser.current_url
     table.send_keys(Keys.ARROW_DOWN)
     WebDriverWait(browser, 5).until(lambda d: d.current_url != before)
+    wait_for(browser, "#trace-plot canvas")
+    browser.execute_script("window.scrollTo(0, 0)")
+    browser.save_screenshot(os.path.join(OUTPUT, "browser.png"))
 
     shown = len(rows(browser, "metabolite-table"))
     area = browser.find_element(By.CSS_SELECTOR, "#filters input[name=area]")
@@ -101,11 +105,9 @@ def test_served_page(server, browser):
 
     browser.find_element(By.ID, "fragments-run").click()
     wait_for(browser, "#fragments-list tbody tr", timeout=30)
-    browser.execute_script("window.scrollTo(0, 0)")
-    browser.save_screenshot(os.path.join(OUTPUT, "browser.png"))
     # The arrow keys replace the selection in the history; back returns to the sample itself.
     browser.back()
-    WebDriverWait(browser, 5).until(lambda d: d.current_url.endswith("/s/2"))
+    WebDriverWait(browser, 5).until(lambda d: re.search(r"/s/\d+$", d.current_url))
     browser.back()
     wait_for(browser, "#samples-table tbody tr")
     assert console_errors(browser) == []

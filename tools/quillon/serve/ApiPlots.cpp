@@ -97,17 +97,13 @@ nlohmann::json CombinedAnswer(CSampleData& sample, std::string_view kind, const 
 
 nlohmann::json SpectrumAnswer(CSampleData& sample, std::string_view segment, const Query& query) {
     const auto peak = ParseInteger(segment, 1, 1'000'000'000);
+    const int wanted = static_cast<int>(query.Integer("function", 0, 1'000'000'000).value_or(0));
+    int functionNumber = 0;
     const CSpectrumData* spectrum =
-        peak ? sample.GetCorrespondingSpectrum(static_cast<int>(*peak)) : nullptr;
+        peak ? SpectrumOfPeak(sample, static_cast<int>(*peak), wanted, functionNumber) : nullptr;
     if (spectrum == nullptr)
         throw ApiError(404, "sample " + std::to_string(sample.GetNumber()) +
                                 " has no spectrum of peak " + std::string(segment));
-    const CFunctionData* function = nullptr;
-    for (int f = 0; f < sample.GetFunctionCount() && function == nullptr; ++f)
-        for (int p = 0; p < sample.GetFunction(f)->GetNumSpectra(false); ++p)
-            if (sample.GetFunction(f)->GetSpectrum(p, false) == spectrum)
-                function = sample.GetFunction(f);
-    const int functionNumber = function ? function->GetNumber() : 0;
     // A diode-array spectrum runs over wavelengths, a mass spectrum over m/z.
     const CChromatoData* trace =
         spectrum->GetTraceNumber() > 0 ? sample.GetTrace(spectrum->GetTraceNumber()) : nullptr;
@@ -130,6 +126,21 @@ nlohmann::json AllPeaksAnswer(CSampleData& sample) {
 }
 
 } // namespace
+
+const CSpectrumData* SpectrumOfPeak(CSampleData& sample, int peakId, int function,
+                                    int& functionNumber) {
+    for (int f = 0; f < sample.GetFunctionCount(); ++f) {
+        CFunctionData& candidate = *sample.GetFunction(f);
+        if (function != 0 && candidate.GetNumber() != function)
+            continue;
+        for (int p = 0; p < candidate.GetNumSpectra(false); ++p)
+            if (candidate.GetSpectrum(p, false)->GetPeakID() == peakId) {
+                functionNumber = candidate.GetNumber();
+                return candidate.GetSpectrum(p, false);
+            }
+    }
+    return nullptr;
+}
 
 nlohmann::json PlotAnswer(CSampleData& sample, std::span<const std::string_view> rest,
                           const Query& query) {

@@ -19,8 +19,13 @@ namespace quillon::tool::serve {
 constexpr long long kPlotPixels = 1000;
 constexpr long long kWidestPlotPixels = 16384;
 
-// rest: "traces", "2" | "combined", "all" | "spectra", "17" | "peaks". Throws ApiError 404 for
-// anything else or a trace or spectrum the sample lacks.
+// The spectrum of the peak, looked for in the function with that number (any function when 0,
+// the first acquired one winning); null when there is none. functionNumber receives its function.
+const CSpectrumData* SpectrumOfPeak(CSampleData& sample, int peakId, int function,
+                                    int& functionNumber);
+
+// rest: "traces", "2" | "combined", "all" | "spectra", "17" (?function=F) | "peaks". Throws
+// ApiError 404 for anything else or a trace or spectrum the sample lacks.
 nlohmann::json PlotAnswer(CSampleData& sample, std::span<const std::string_view> rest,
                           const Query& query);
 

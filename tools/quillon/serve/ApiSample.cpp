@@ -124,16 +124,25 @@ nlohmann::json CorrelationAnswer(CSampleData& sample, int index) {
     return {{"correlation", std::move(rows)}};
 }
 
-// One metabolite with the trace that holds its peak (null without a peak), so that the page can
-// plot it.
+// One metabolite with the trace that holds its peak and the function of its spectrum (null
+// without), so that the page can plot them. Peak ids repeat across functions: the metabolite's
+// own function and trace come first, the first trace with its peak otherwise.
 nlohmann::json MetaboliteAnswer(CSampleData& sample, int index) {
     const CMetaboliteData& metabolite = *sample.GetMetabolite(index);
     const int peak = metabolite.GetPeakNum();
-    const int trace = peak >= 1 ? sample.GetCorispondingChromatNumber(peak, 0) : 0;
+    int trace = 0;
+    if (peak >= 1)
+        trace = metabolite.GetTraceNum() >= 1 && sample.GetTrace(metabolite.GetTraceNum())
+                    ? metabolite.GetTraceNum()
+                    : sample.GetCorispondingChromatNumber(peak, 0);
+    const CFunctionData* function = trace != 0 ? sample.GetFunctionContainingTrace(trace) : nullptr;
+    int spectrumFunction = 0;
+    const bool spectrum = function != nullptr && SpectrumOfPeak(sample, peak, function->GetNumber(),
+                                                                spectrumFunction) != nullptr;
     return {
         {"metabolite", RecordJson([&](RecordSink& sink) { MetaboliteRow(sink, sample, index); })},
         {"plot_trace", trace != 0 ? nlohmann::json(trace) : nlohmann::json()},
-        {"has_spectrum", peak >= 1 && sample.GetCorrespondingSpectrum(peak) != nullptr}};
+        {"spectrum_function", spectrum ? nlohmann::json(spectrumFunction) : nlohmann::json()}};
 }
 
 nlohmann::json MetaboliteRoutes(CSampleData& sample, std::span<const std::string_view> rest,

@@ -10,17 +10,20 @@ namespace quillon::tool::serve {
 
 namespace {
 
-// Stores the answer to path under "path?report=R" (the key the page looks up); an answer that
+// Stores the answer to path under "path?report=R" (the key the page looks up, with a spectrum's
+// "&function=F"); an answer that
 // is an error (no structure, no spectrum) is left out, as the server would refuse it.
 class Answers {
 public:
     Answers(ServedReports& reports, nlohmann::json& store) : m_reports(reports), m_store(store) {}
 
-    nlohmann::json Get(size_t report, const std::string& path, const std::string& extra = "") {
+    // extra: more query parameters; keyed: those of them that name the answer in the store.
+    nlohmann::json Get(size_t report, const std::string& path, const std::string& extra = "",
+                       const std::string& keyed = "") {
         const std::string query = "report=" + std::to_string(report);
         try {
             nlohmann::json answer = ApiAnswer(m_reports, "GET", path, Query(query + extra));
-            m_store[path + "?" + query] = answer;
+            m_store[path + "?" + query + keyed] = answer;
             return answer;
         } catch (const ApiError&) {
             return nullptr;
@@ -49,7 +52,7 @@ void SampleAnswers(Answers& answers, size_t report, int sample) {
         answers.Get(report, base + "/combined/" + kind, width);
     const nlohmann::json list = answers.Get(report, base + "/metabolites");
     std::set<long long> traces;
-    std::set<long long> spectra;
+    std::set<std::pair<long long, long long>> spectra; // peak id, function
     for (const nlohmann::json& row : list["metabolites"]) {
         const std::string metabolite = base + "/metabolites/" + row["index"].dump();
         const nlohmann::json detail = answers.Get(report, metabolite);
@@ -58,9 +61,12 @@ void SampleAnswers(Answers& answers, size_t report, int sample) {
         if (detail["plot_trace"].is_number() &&
             traces.insert(detail["plot_trace"].get<long long>()).second)
             answers.Get(report, base + "/traces/" + detail["plot_trace"].dump(), width);
-        if (detail["has_spectrum"] == true &&
-            spectra.insert(row["peak_id"].get<long long>()).second)
-            answers.Get(report, base + "/spectra/" + row["peak_id"].dump(), "&full=1");
+        if (detail["spectrum_function"].is_number() &&
+            spectra.insert({row["peak_id"].get<long long>(), detail["spectrum_function"]}).second) {
+            const std::string function = "&function=" + detail["spectrum_function"].dump();
+            answers.Get(report, base + "/spectra/" + row["peak_id"].dump(), function + "&full=1",
+                        function);
+        }
     }
 }
 
