@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <sys/socket.h>
 
 namespace quillon::tool {
 
@@ -50,6 +51,13 @@ void Answer(serve::Router& router, const httplib::Request& request, httplib::Res
 
 // Every method goes to the router, which answers 405 where a method does not belong.
 void RouteEverything(httplib::Server& server, serve::Router& router) {
+    // Answers go out uncompressed: on the loopback, compressing the page's script costs seconds
+    // and saves nothing. The library compresses whenever the client accepts it, so the header is
+    // taken out of the request before it is answered.
+    server.set_pre_routing_handler([](const httplib::Request& request, httplib::Response&) {
+        const_cast<httplib::Request&>(request).headers.erase("Accept-Encoding");
+        return httplib::Server::HandlerResponse::Unhandled;
+    });
     auto handler = [&router](const httplib::Request& request, httplib::Response& response) {
         Answer(router, request, response);
     };
@@ -100,10 +108,23 @@ void RegisterServe(CLI::App& app, GlobalOptions& options) {
         serve::ServedReports reports = serve::LoadReports(settings->paths);
         httplib::Server server;
         server.set_payload_max_length(64 * 1024);
-        server.new_task_queue = [] { return new httplib::ThreadPool(4); };
+        // Browsers keep up to six connections open and a worker stays with a connection while it
+        // is kept alive, so there are more workers than that and they let idle connections go.
+        server.new_task_queue = [] { return new httplib::ThreadPool(16); };
+        server.set_keep_alive_timeout(2);
+        // The library listens with a queue of 5 connections, which a burst overflows (the
+        // client then waits a second to retry): listen again with the system's longest queue.
+        int listening = -1;
+        server.set_socket_options([&listening](int socket) {
+            const int yes = 1;
+            ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+            listening = socket;
+        });
         const int port = settings->port == 0 ? server.bind_to_any_port(settings->host)
                          : server.bind_to_port(settings->host, settings->port) ? settings->port
                                                                                : -1;
+        if (port >= 0 && listening >= 0)
+            ::listen(listening, SOMAXCONN);
         if (port < 0)
             throw ToolError("cannot listen on " + settings->host + ":" +
                             std::to_string(settings->port) + " (in use, or not an address here)");
