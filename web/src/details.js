@@ -46,14 +46,22 @@ function panels() {
       section("Parent structure", el("div", { id: "structure-panel", class: "structure" }))));
 }
 
-// Labels of the listed peaks with a metabolite, at the top of the trace near each peak's time.
-function peakLabels(points, peaks) {
+// Labels of the listed peaks with a metabolite, at the top of the trace near each peak's time; a
+// label within 3% of the time range of a taller one is left out so that names do not pile up.
+// The peak of keep is always labelled.
+function peakLabels(points, peaks, keep = null) {
   const near = (t) => {
     let best = 0;
     for (let i = 0; i < points.x.length; i++) if (Math.abs(points.x[i] - t) < Math.abs(points.x[best] - t)) best = i;
     return points.y[best] ?? 0;
   };
-  return peaks.filter((p) => p.metabolite).map((p) => ({ x: p.time_min, y: near(p.time_min), text: p.metabolite, peak: p.peak_id }));
+  const all = peaks.filter((p) => p.metabolite)
+    .map((p) => ({ x: p.time_min, y: near(p.time_min), text: p.metabolite, peak: p.peak_id }))
+    .sort((a, b) => (b.peak === keep) - (a.peak === keep) || b.y - a.y);
+  const span = (points.x[points.x.length - 1] ?? 0) - (points.x[0] ?? 0) || 1;
+  const shown = [];
+  for (const label of all) if (!shown.some((s) => Math.abs(s.x - label.x) < 0.03 * span)) shown.push(label);
+  return shown;
 }
 
 async function renderTrace(route, detail, options) {
@@ -67,7 +75,7 @@ async function renderTrace(route, detail, options) {
   }
   const answer = await get(`samples/${route.sample}/traces/${detail.plot_trace}`, route.report, { width: width() });
   title.textContent = `${m.name}, trace ${answer.trace.trace}: ${answer.trace.description}`;
-  const labels = peakLabels(answer.points, answer.peaks);
+  const labels = peakLabels(answer.points, answer.peaks, m.peak_id);
   plot(box, answer.points, {
     xLabel: "Retention time (min)", yLabel: "Intensity (counts)", percent: options.percent,
     labels, marks: labels.filter((l) => l.peak === m.peak_id),
