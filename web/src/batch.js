@@ -3,7 +3,7 @@
 
 import { get } from "./api.js";
 import { el, fmt, section, table } from "./dom.js";
-import { plot } from "./plots.js";
+import { plot, plotLines } from "./plots.js";
 import { go } from "./route.js";
 
 const sampleColumns = [
@@ -62,13 +62,19 @@ function stabilitySection(series) {
     }, { xLabel: "Time (min)", yLabel: "ln(% remaining)", valueLabel: "ln(% remaining)", height: 180,
          fromZero: false, showPoints: true,
          decimals: 1 }));
+    const curves = el("div", { class: "plot" });
+    const initial = s.points[0]?.amount;
+    if (initial > 0 && s.formation.length)
+      requestAnimationFrame(() => plotLines(curves, s.points.map((p) => p.time_min),
+        s.formation.map((f) => ({ label: `${f.name} ${f.shift}`, y: f.amount_at_time.map((a) => (a * 100) / initial) })),
+        { xLabel: "Time (min)", yLabel: "% of parent at t0" }));
     const formation = table([
       { key: "name", label: "Metabolite" }, { key: "shift", label: "Shift" },
       { key: "time_of_maximum_min", label: "Max at (min)", decimals: 1 },
       { key: "maximum_percent_of_parent", label: "Max (% of parent)", decimals: 1 },
     ], s.formation);
     return el("div", { class: "series" }, el("h3", {}, `${s.parent} ${s.flags ? `(${s.flags})` : ""}`),
-      el("p", {}, fit), plotBox, formation);
+      el("p", {}, fit), el("div", { class: "pair" }, plotBox, curves), formation);
   });
   return section("Metabolic stability", panels);
 }

@@ -139,3 +139,30 @@ export function strongestLabels(points, count = 6, decimals = 4) {
   }
   return labels;
 }
+
+const palette = ["#1d4ed8", "#c2410c", "#15803d", "#7c3aed", "#b45309", "#0e7490", "#be185d", "#4d7c0f", "#9f1239"];
+
+// Several lines over one x axis (lines: [{label, y: []}]), with points, for curves over a few
+// time points.
+export function plotLines(container, x, lines, options) {
+  container.replaceChildren();
+  return new uPlot(
+    {
+      width: Math.max(container.clientWidth, 300),
+      height: options.height ?? 220,
+      cursor: { drag: { x: true, y: false } },
+      scales: { x: { time: false } },
+      axes: [axis(options.xLabel), axis(options.yLabel, { size: 64, values: compact })],
+      series: [
+        { label: options.xLabel },
+        ...lines.map((line, i) => ({
+          label: line.label, stroke: palette[i % palette.length], width: 1.5, points: { show: true },
+          value: (u, v) => (v === null ? "–" : v.toFixed(2)),
+        })),
+      ],
+      plugins: [wheelZoom()],
+    },
+    [x, ...lines.map((line) => line.y)],
+    container,
+  );
+}
