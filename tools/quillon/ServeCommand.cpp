@@ -66,6 +66,16 @@ void RouteEverything(httplib::Server& server, serve::Router& router) {
     server.Put(".*", handler);
     server.Patch(".*", handler);
     server.Delete(".*", handler);
+    // Requests the library refuses before routing (a body over the limit, a malformed request
+    // line) are answered in JSON too.
+    server.set_error_handler([](const httplib::Request&, httplib::Response& response) {
+        if (!response.body.empty())
+            return;
+        const serve::HttpResponse answer = serve::ErrorResponse(
+            response.status, response.status == 413 ? "the request body is too large"
+                                                    : "the request could not be read");
+        response.set_content(answer.body, answer.contentType);
+    });
     server.set_exception_handler(
         [](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
             const serve::HttpResponse answer = serve::ErrorResponse(500, "internal error");
