@@ -51,9 +51,12 @@ export function filterRows(rows, filter) {
     if (area !== null && !row.high_energy && !((row.area ?? 0) > area)) return false;
     if (expected) return true;
     if (tLow !== null && tHigh !== null && (row.time_min < tLow || row.time_min > tHigh)) return false;
-    if (dLow !== null && dHigh !== null) {
-      const defect = row.mz - Math.round(row.mz);
-      if (defect < dLow || defect > dHigh) return false;
+    if (dLow !== null && dHigh !== null && !row.high_energy) {
+      // The defect of the predicted m/z, 0 <= d < 1: kept up to dHigh above the nominal mass or
+      // down to dLow below the next one (a negative dLow means dHigh).
+      const defect = row.predicted_mz - Math.floor(row.predicted_mz);
+      const below = dLow < 0 ? dHigh : dLow;
+      if (defect > dHigh + 1e-9 && defect < 1 - below - 1e-9) return false;
     }
     return true;
   });

@@ -24,7 +24,7 @@ const columns = [
 ];
 
 const filterFields = [
-  ["mass_defect_low", "Mass defect from (Da)"], ["mass_defect_high", "to"],
+  ["mass_defect_low", "Mass defect below (Da)"], ["mass_defect_high", "above (Da)"],
   ["area", "Area at least"], ["mass_error", "Mass error up to (mDa)"],
   ["time_low", "RT from (min)"], ["time_high", "to"],
 ];

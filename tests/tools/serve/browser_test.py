@@ -122,7 +122,7 @@ def test_requests_without_the_token_or_from_a_foreign_host_are_refused(server):
         assert "error" in json.loads(refused.value.read())
 
 
-def test_snapshot_opens_from_disk(browser):
+def test_snapshot_opens_from_disk(server, browser):
     page = os.path.join(OUTPUT, "browser.html")
     subprocess.run([QUILLON, "html", REPORT, "-o", page], check=True)
     assert os.path.getsize(page) < 3 * 1024 * 1024
@@ -130,4 +130,18 @@ def test_snapshot_opens_from_disk(browser):
     walk_to_a_metabolite(browser)
     wait_for(browser, "#fragments-list tbody tr")
     assert not browser.find_element(By.ID, "fragments-run").is_displayed()
+
+    # The snapshot filters its rows itself: the same rows as the server's filter.
+    sample = re.search(r"/s/(\d+)", browser.current_url).group(1)
+    query = {"mass_defect_low": "0.2", "mass_defect_high": "0.05", "area": "2000"}
+    for name, value in query.items():
+        browser.find_element(By.CSS_SELECTOR, f"#filters input[name={name}]").send_keys(value)
+    browser.find_element(By.CSS_SELECTOR, "#filters button[type=submit]").click()
+    url = (f"{server['base']}api/v1/samples/{sample}/metabolites?token={server['token']}&" +
+           "&".join(f"{k}={v}" for k, v in query.items()))
+    with urllib.request.urlopen(url, timeout=5) as answer:
+        expected = [str(row["index"]) for row in json.loads(answer.read())["metabolites"]]
+    WebDriverWait(browser, 5).until(lambda d: [
+        row.find_element(By.TAG_NAME, "td").text for row in rows(d, "metabolite-table")
+    ] == sorted(expected, key=int))
     assert console_errors(browser) == []

@@ -65,24 +65,24 @@ nlohmann::json SampleSummary(CSampleData& sample) {
             {"traces", std::move(traces)}};
 }
 
-// The browser's filters from the query: mass_defect_low/high, area, mass_error, time_low/high,
-// hide_high_energy.
+// The browser's filters from the query: mass_defect_low/high (how far the defect may fall below
+// the nominal mass and rise above it, Da), area, mass_error, time_low/high, hide_high_energy.
 MetaboliteFilter FilterOf(const Query& query) {
     MetaboliteFilter filter;
-    auto range = [&](const char* low,
-                     const char* high) -> std::optional<std::pair<double, double>> {
+    auto range = [&](const char* low, const char* high,
+                     bool ordered) -> std::optional<std::pair<double, double>> {
         const auto lower = query.Number(low);
         const auto upper = query.Number(high);
         if (!lower && !upper)
             return std::nullopt;
         if (!lower || !upper)
             throw ApiError(400, std::string("'") + low + "' and '" + high + "' go together");
-        if (*lower > *upper)
+        if (ordered && *lower > *upper)
             throw ApiError(400, std::string("'") + low + "' must not exceed '" + high + "'");
         return std::make_pair(*lower, *upper);
     };
-    filter.massDefect = range("mass_defect_low", "mass_defect_high");
-    filter.time = range("time_low", "time_high");
+    filter.massDefect = range("mass_defect_low", "mass_defect_high", false);
+    filter.time = range("time_low", "time_high", true);
     filter.area = query.Number("area");
     filter.massError = query.Number("mass_error");
     filter.hideHighEnergy = query.Flag("hide_high_energy");
@@ -98,6 +98,8 @@ nlohmann::json MetabolitesAnswer(CSampleData& sample, const Query& query) {
             continue;
         sink.BeginRow();
         MetaboliteRow(sink, sample, m);
+        // The predicted m/z, whose mass defect the filter tests: the snapshot page filters itself.
+        sink.Field("predicted_mz", sample.GetMetabolite(m)->GetMetabolite());
     }
     return {{"total", sample.GetMetaboliteCount()}, {"metabolites", std::move(rows)}};
 }
