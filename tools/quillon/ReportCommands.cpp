@@ -1,10 +1,7 @@
-// info, metabolites and summary: what a report holds.
+// info and summary: what a report holds.
 #include "Commands.h"
 #include "RowPrinter.h"
 #include "json/ModelRecords.h"
-#include "json/NumberText.h"
-
-#include <quillon/metabolites/MetaboliteDisplay.h>
 
 #include <map>
 #include <memory>
@@ -51,26 +48,6 @@ private:
     std::map<std::string, long long> m_sums;
 };
 
-// The metabolite's record followed by the browser's derived columns: trace_name (the trace
-// column's text), area_percent (of its group), found_percent (of the sample's found area),
-// is_ratio (area over the internal standard's, as the browser rounds it); null when absent.
-void MetaboliteRow(RecordSink& rows, CSampleData& sample, int index) {
-    const CMetaboliteData& metabolite = *sample.GetMetabolite(index);
-    MetaboliteRecord(rows, sample, index);
-    CString text;
-    GetTraceText(metabolite, &sample, text);
-    rows.Field("trace_name", text);
-    rows.FieldIf("area_percent", metabolite.GetRelativePeakArea() >= 0,
-                 metabolite.GetRelativePeakArea());
-    const CChromatogramPeak* peak = sample.GetCorispondingPeakInfo(
-        metabolite.GetPeakNum(), metabolite.GetFunctionNum(), metabolite.GetTraceNum());
-    rows.FieldIf("found_percent", peak != nullptr && metabolite.GetFound(),
-                 peak ? peak->GetAreaPercentTotal() : 0.0f);
-    GetISAreaRatioText(metabolite, &sample, text);
-    double ratio = 0.0;
-    rows.FieldIf("is_ratio", ParseNumberText(text.view(), ratio), ratio);
-}
-
 } // namespace
 
 void RegisterInfo(CLI::App& app, GlobalOptions& options) {
@@ -94,79 +71,6 @@ void RegisterInfo(CLI::App& app, GlobalOptions& options) {
             rows.BeginRow();
             totals.Write(rows, samples.GetSamplesCount());
             rows.EndRow();
-        }
-        rows.Close();
-    });
-}
-
-void RegisterMetabolites(CLI::App& app, GlobalOptions& options) {
-    struct Settings {
-        std::string path;
-        int sample = 0;
-        std::vector<double> massDefect;
-        double area = -1.0;
-        double massError = -1.0;
-        std::vector<double> time;
-        bool hideHighEnergy = false;
-    };
-    auto settings = std::make_shared<Settings>();
-    CLI::App* command = app.add_subcommand(
-        "metabolites",
-        "The metabolite table with the browser's column texts, filtered as the browser filters\n"
-        "  example: quillon metabolites batch.txt --sample 4 --area 10000 --time 5 15");
-    command->add_option("REPORT", settings->path, "The report file")->required();
-    command->add_option("--sample", settings->sample, "Only the sample with this number");
-    command
-        ->add_option("--mass-defect", settings->massDefect,
-                     "Keep mass defects between LOWER and UPPER (two numbers, Da)")
-        ->expected(2);
-    command->add_option("--area", settings->area, "Keep peaks of at least this area");
-    command->add_option("--mass-error", settings->massError,
-                        "Keep mass errors up to this many ppm");
-    command->add_option("--time", settings->time, "Keep retention times from LOW to HIGH (min)")
-        ->expected(2);
-    command->add_flag("--hide-high-energy", settings->hideHighEnergy,
-                      "Leave out metabolites of high-energy functions");
-    AddOutputOptions(*command, options);
-    command->callback([settings, &options] {
-        CSamples samples;
-        LoadReport(settings->path, samples);
-        CDivBroParams params;
-        if (settings->massDefect.size() == 2) {
-            params.MassDefectFilterOn = true;
-            params.MassDefectLower = settings->massDefect[0];
-            params.MassDefectUpper = settings->massDefect[1];
-        }
-        if (settings->area >= 0.0) {
-            params.AreaFilterOn = true;
-            params.AreaFilterOnExpected = true;
-            params.AreaThreshold = static_cast<float>(settings->area);
-        }
-        if (settings->massError >= 0.0) {
-            params.MassErrorFilterOn = true;
-            params.MassErrorLimit = settings->massError;
-        }
-        if (settings->time.size() == 2) {
-            params.TimeFilterOn = true;
-            params.TimeLow = settings->time[0];
-            params.TimeHigh = settings->time[1];
-        }
-        params.HideHighEnergy = settings->hideHighEnergy;
-        if (settings->sample != 0)
-            SampleByNumber(samples, settings->sample, settings->path);
-
-        RowPrinter rows(options);
-        for (int i = 0; i < samples.GetSamplesCount(); ++i) {
-            CSampleData& sample = *samples.GetSample(i);
-            if (settings->sample != 0 && sample.GetNumber() != settings->sample)
-                continue;
-            for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
-                if (!sample.GetMetabolite(m)->ApplyDataFilters(&params, false))
-                    continue;
-                rows.BeginRow();
-                MetaboliteRow(rows, sample, m);
-                rows.EndRow();
-            }
         }
         rows.Close();
     });
