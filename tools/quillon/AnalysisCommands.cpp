@@ -5,6 +5,7 @@
 #include "json/ModelRecords.h"
 #include "json/StabilityJson.h"
 
+#include <cmath>
 #include <memory>
 
 namespace quillon::tool {
@@ -103,6 +104,13 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
                         "Also draw ln(% remaining) against time with the fit as an SVG file");
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
+        const MetabolicStabilityParameters& scaling = settings->parameters;
+        for (const auto& [value, option] :
+             {std::pair{scaling.proteinMgPerMl, "--protein"},
+              std::pair{scaling.proteinMgPerGramLiver, "--protein-per-liver"},
+              std::pair{scaling.liverGramsPerKg, "--liver-per-kg"}})
+            if (!std::isfinite(value) || value <= 0.0)
+                throw ToolError(std::string(option) + " takes a number above 0", kExitUsage);
         CSamples samples;
         LoadReport(settings->path, samples);
         CArray<CMetabolicStabilityInfo> series;

@@ -1,6 +1,5 @@
-// info, metabolites and summary: what a report holds.
+// info and summary: what a report holds.
 #include "Commands.h"
-#include "MetaboliteRow.h"
 #include "RowPrinter.h"
 #include "json/ModelRecords.h"
 
@@ -72,69 +71,6 @@ void RegisterInfo(CLI::App& app, GlobalOptions& options) {
             rows.BeginRow();
             totals.Write(rows, samples.GetSamplesCount());
             rows.EndRow();
-        }
-        rows.Close();
-    });
-}
-
-void RegisterMetabolites(CLI::App& app, GlobalOptions& options) {
-    struct Settings {
-        std::string path;
-        int sample = 0;
-        std::vector<double> massDefect;
-        double area = -1.0;
-        double massError = -1.0;
-        std::vector<double> time;
-        bool hideHighEnergy = false;
-    };
-    auto settings = std::make_shared<Settings>();
-    CLI::App* command = app.add_subcommand(
-        "metabolites",
-        "The metabolite table with the browser's column texts, filtered as the browser filters\n"
-        "  example: quillon metabolites batch.txt --sample 4 --area 10000 --time 5 15");
-    command->add_option("REPORT", settings->path, "The report file")->required();
-    command->add_option("--sample", settings->sample, "Only the sample with this number");
-    command
-        ->add_option("--mass-defect", settings->massDefect,
-                     "Keep mass defects between LOWER and UPPER (two numbers, Da)")
-        ->expected(2);
-    command->add_option("--area", settings->area, "Keep peaks of at least this area");
-    command->add_option("--mass-error", settings->massError,
-                        "Keep mass errors up to this many ppm");
-    command->add_option("--time", settings->time, "Keep retention times from LOW to HIGH (min)")
-        ->expected(2);
-    command->add_flag("--hide-high-energy", settings->hideHighEnergy,
-                      "Leave out metabolites of high-energy functions");
-    AddOutputOptions(*command, options);
-    command->callback([settings, &options] {
-        CSamples samples;
-        LoadReport(settings->path, samples);
-        MetaboliteFilter filter;
-        if (settings->massDefect.size() == 2)
-            filter.massDefect = {settings->massDefect[0], settings->massDefect[1]};
-        if (settings->area >= 0.0)
-            filter.area = settings->area;
-        if (settings->massError >= 0.0)
-            filter.massError = settings->massError;
-        if (settings->time.size() == 2)
-            filter.time = {settings->time[0], settings->time[1]};
-        filter.hideHighEnergy = settings->hideHighEnergy;
-        const CDivBroParams params = FilterParams(filter);
-        if (settings->sample != 0)
-            SampleByNumber(samples, settings->sample, settings->path);
-
-        RowPrinter rows(options);
-        for (int i = 0; i < samples.GetSamplesCount(); ++i) {
-            CSampleData& sample = *samples.GetSample(i);
-            if (settings->sample != 0 && sample.GetNumber() != settings->sample)
-                continue;
-            for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
-                if (!sample.GetMetabolite(m)->ApplyDataFilters(&params, false))
-                    continue;
-                rows.BeginRow();
-                MetaboliteRow(rows, sample, m);
-                rows.EndRow();
-            }
         }
         rows.Close();
     });
