@@ -25,6 +25,16 @@ run molfiles "$report" -d "$out/molfiles"
 run export "$report" --format json -o "$out/model.json"
 run edit "$report" -o "$out/edited.txt" --sample 4 --metabolite 0 --unconfirm --label "reviewed"
 run check "$out/edited.txt"
+run html "$report" -o "$out/browser.html"
+# A screenshot of the served page's sample view, taken by the browser test in headless Chromium.
+if [ -x /usr/bin/chromedriver ] && /usr/bin/python3 -c "import pytest, selenium" 2>/dev/null; then
+    echo "\$ quillon serve $report   (browser.png: the sample view in headless Chromium)"
+    QUILLON=$quillon QUILLON_REPORT=$report QUILLON_BROWSER_OUTPUT=$out \
+        /usr/bin/python3 -m pytest -q -p no:cacheprovider \
+        "$(dirname "$0")/../tests/tools/serve/browser_test.py" -k served_page >/dev/null
+else
+    echo "(no browser.png: scripts/install-deps.sh installs chromium and the browser test's packages)"
+fi
 echo
 echo "Demo files in $out/:"
 ls -1 "$out" | sed 's/^/  /'

@@ -2,10 +2,57 @@
 #include "Commands.h"
 #include "FigureOptions.h"
 #include "StabilityFigure.h"
+#include "RowPrinter.h"
+#include "Svg.h"
+#include "json/ModelRecords.h"
+#include "json/StabilityJson.h"
 
+#include <cmath>
 #include <memory>
 
 namespace quillon::tool {
+
+namespace {
+
+// The rows of one series in a table: the series with its fit, then each time point, then the
+// formation of each metabolite; the columns a row does not fill are empty.
+void StabilityRows(RowSink& rows, const CMetabolicStabilityInfo& info, const std::string& flags) {
+    const bool fitted = info.HasHalfLife();
+    auto row = [&](std::string_view parent, const FieldValue& sample, const FieldValue& time,
+                   const FieldValue& amount, const FieldValue& percent, bool series) {
+        rows.BeginRow();
+        rows.Put("parent", parent);
+        rows.Put("sample", sample);
+        rows.Put("time_min", time);
+        rows.Put("amount", amount);
+        rows.Put("percent_remaining", percent);
+        auto fit = [&](const char* key, bool valid, double value) {
+            rows.Put(key, series && valid ? FieldValue(value) : FieldValue(Null{}));
+        };
+        fit("k_per_min", !info.Has(CMetabolicStabilityInfo::kTooFewTimePoints), info.k);
+        fit("half_life_min", fitted, info.halfLife);
+        fit("half_life_95_low", fitted, info.halfLifeLow);
+        fit("half_life_95_high", info.halfLifeHigh > 0, info.halfLifeHigh);
+        fit("clint_ul_min_mg", fitted, info.intrinsicClearance);
+        fit("clearance_ml_min_kg", fitted, info.scaledClearance);
+        fit("r_squared", info.pointsUsed > 2, info.rSquared);
+        rows.Put("flags", series ? std::string_view(flags) : std::string_view());
+        rows.EndRow();
+    };
+    row(info.parent.view(), Null{}, Null{}, Null{}, Null{}, true);
+    for (const auto& point : info.points)
+        row({}, static_cast<long long>(point.sampleNumber), point.time,
+            point.hasAmount ? FieldValue(point.amount) : FieldValue(Null{}),
+            info.initialAmount > 0 && point.hasAmount ? FieldValue(point.percentRemaining)
+                                                      : FieldValue(Null{}),
+            false);
+    for (const auto& formation : info.formation) {
+        const std::string name = "  " + formation.name.str() + " " + formation.label.str();
+        row(name, Null{}, formation.timeOfMaximum, Null{}, formation.maximumPercentOfParent, false);
+    }
+}
+
+} // namespace
 
 void RegisterFragments(CLI::App& app, GlobalOptions& options) {
     struct Settings {
@@ -30,41 +77,9 @@ void RegisterFragments(CLI::App& app, GlobalOptions& options) {
         CSampleData& sample = SampleByNumber(samples, settings->sample, settings->path);
         const CFragmentAnalysis* analysis =
             &RunFragmentAnalysis(sample, settings->settings, settings->path, options);
-        CStringArray fragments;
-        CStringArray losses;
-        analysis->GetFragments(fragments);
-        analysis->GetNeutralLosses(losses);
-        if (options.format == "json") {
-            nlohmann::json document;
-            document["sample"] = settings->sample;
-            document["fragments"] = nlohmann::json::array();
-            for (const FragmentEntry& entry : analysis->GetFragmentEntries())
-                document["fragments"].push_back({{"nominal_mass", entry.NominalMass},
-                                                 {"parent_index", entry.ParentIndex},
-                                                 {"partner_index", entry.PartnerIndex},
-                                                 {"function_index", entry.FunctionIndex},
-                                                 {"spectrum_peak_id", entry.SpectrumPeakID},
-                                                 {"cluster_id", entry.ClusterID}});
-            document["neutral_losses"] = nlohmann::json::array();
-            for (const NeutralLossEntry& entry : analysis->GetNeutralLossEntries())
-                document["neutral_losses"].push_back({{"mass", entry.Mass},
-                                                      {"nominal_mass", entry.NominalMass},
-                                                      {"label", entry.Label.str()}});
-            document["fragment_lines"] = nlohmann::json::array();
-            for (const CString& line : fragments)
-                document["fragment_lines"].push_back(line.str());
-            document["neutral_loss_lines"] = nlohmann::json::array();
-            for (const CString& line : losses)
-                document["neutral_loss_lines"].push_back(line.str());
-            PrintJson(document, options);
-            return;
-        }
-        Table table{{"kind", "line"}, {}, {false, false}};
-        for (const CString& line : fragments)
-            table.rows.push_back({"fragment", line.str()});
-        for (const CString& line : losses)
-            table.rows.push_back({"neutral loss", line.str()});
-        PrintTable(table, options);
+        RowPrinter rows(options);
+        FragmentRows(rows, sample.GetNumber(), *analysis);
+        rows.Close();
     });
 }
 
@@ -101,6 +116,13 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
     AddFigureSizeOption(*command, settings->size);
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
+        const MetabolicStabilityParameters& scaling = settings->parameters;
+        for (const auto& [value, option] :
+             {std::pair{scaling.proteinMgPerMl, "--protein"},
+              std::pair{scaling.proteinMgPerGramLiver, "--protein-per-liver"},
+              std::pair{scaling.liverGramsPerKg, "--liver-per-kg"}})
+            if (!std::isfinite(value) || value <= 0.0)
+                throw ToolError(std::string(option) + " takes a number above 0", kExitUsage);
         CSamples samples;
         LoadReport(settings->path, samples, options);
         CArray<CMetabolicStabilityInfo> series;
@@ -117,60 +139,10 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
         const std::vector<CMetabolicStabilityInfo> fits =
             ChosenSeries(samples, series, settings->series, settings->groupBy);
         const HalfLifeSpread spread = SpreadOf(fits);
-        auto flagsText = [](const CMetabolicStabilityInfo& info) {
-            std::string text;
-            const std::pair<int, const char*> names[] = {
-                {CMetabolicStabilityInfo::kNoParent, "no parent"},
-                {CMetabolicStabilityInfo::kNoInitialAmount, "no initial amount"},
-                {CMetabolicStabilityInfo::kTooFewTimePoints, "too few time points"},
-                {CMetabolicStabilityInfo::kNoDecline, "no decline"},
-                {CMetabolicStabilityInfo::kPoorFit, "poor fit"},
-                {CMetabolicStabilityInfo::kOpenInterval, "open interval"}};
-            for (const auto& [flag, name] : names)
-                if (info.flags & flag)
-                    text += (text.empty() ? "" : "; ") + std::string(name);
-            return text;
-        };
-        auto orEmpty = [](bool valid, double value, int decimals) {
-            return valid ? Fixed(value, decimals) : std::string();
-        };
         if (options.format == "json") {
             nlohmann::json document = nlohmann::json::array();
-            for (const CMetabolicStabilityInfo& info : fits) {
-                nlohmann::json entry = {{"parent", info.parent.str()},
-                                        {"process_parameters", info.processParameters.str()},
-                                        {"points_used", info.pointsUsed},
-                                        {"k_per_min", info.k},
-                                        {"k_standard_error", info.standardErrorK},
-                                        {"r_squared", info.rSquared},
-                                        {"flags", flagsText(info)}};
-                entry["half_life_min"] =
-                    info.HasHalfLife() ? nlohmann::json(info.halfLife) : nlohmann::json();
-                entry["half_life_low_min"] =
-                    info.HasHalfLife() ? nlohmann::json(info.halfLifeLow) : nlohmann::json();
-                entry["half_life_high_min"] =
-                    info.halfLifeHigh > 0 ? nlohmann::json(info.halfLifeHigh) : nlohmann::json();
-                entry["clint_ul_min_mg"] =
-                    info.HasHalfLife() ? nlohmann::json(info.intrinsicClearance) : nlohmann::json();
-                entry["scaled_clearance_ml_min_kg"] =
-                    info.HasHalfLife() ? nlohmann::json(info.scaledClearance) : nlohmann::json();
-                entry["points"] = nlohmann::json::array();
-                for (const auto& point : info.points)
-                    entry["points"].push_back({{"sample", point.sampleNumber},
-                                               {"time_min", point.time},
-                                               {"amount", point.amount},
-                                               {"percent_remaining", point.percentRemaining},
-                                               {"used_in_fit", point.usedInFit}});
-                entry["formation"] = nlohmann::json::array();
-                for (const auto& formation : info.formation)
-                    entry["formation"].push_back(
-                        {{"name", formation.name.str()},
-                         {"shift", formation.label.str()},
-                         {"amount_at_time", formation.amountAtTime},
-                         {"time_of_maximum_min", formation.timeOfMaximum},
-                         {"maximum_percent_of_parent", formation.maximumPercentOfParent}});
-                document.push_back(std::move(entry));
-            }
+            for (const CMetabolicStabilityInfo& info : fits)
+                document.push_back(StabilityJson(info));
             if (!settings->groupBy.empty())
                 document.push_back({{"summary_of_groups", settings->groupBy},
                                     {"groups_with_half_life", spread.groups},
@@ -178,39 +150,18 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
                                     {"half_life_sd_min", spread.standardDeviation}});
             PrintJson(document, options);
         } else {
-            Table table{
-                {"parent", "sample", "time_min", "amount", "percent_remaining", "k_per_min",
-                 "half_life_min", "half_life_95_low", "half_life_95_high", "clint_ul_min_mg",
-                 "clearance_ml_min_kg", "r_squared", "flags"},
-                {},
-                {false, true, true, true, true, true, true, true, true, true, true, true, false}};
-            for (const CMetabolicStabilityInfo& info : fits) {
-                const bool t = info.HasHalfLife();
-                table.rows.push_back(
-                    {info.parent.str(), "", "", "", "",
-                     orEmpty(!info.Has(CMetabolicStabilityInfo::kTooFewTimePoints), info.k, 5),
-                     orEmpty(t, info.halfLife, 1), orEmpty(t, info.halfLifeLow, 1),
-                     orEmpty(info.halfLifeHigh > 0, info.halfLifeHigh, 1),
-                     orEmpty(t, info.intrinsicClearance, 1), orEmpty(t, info.scaledClearance, 1),
-                     orEmpty(info.pointsUsed > 2, info.rSquared, 4), flagsText(info)});
-                for (const auto& point : info.points)
-                    table.rows.push_back({"", std::to_string(point.sampleNumber),
-                                          Fixed(point.time, 1),
-                                          point.hasAmount ? Fixed(point.amount, 1) : "",
-                                          orEmpty(info.initialAmount > 0 && point.hasAmount,
-                                                  point.percentRemaining, 1),
-                                          "", "", "", "", "", "", "", ""});
-                for (const auto& formation : info.formation)
-                    table.rows.push_back({"  " + formation.name.str() + " " + formation.label.str(),
-                                          "", Fixed(formation.timeOfMaximum, 1), "",
-                                          Fixed(formation.maximumPercentOfParent, 1), "", "", "",
-                                          "", "", "", "", "max % of parent"});
+            RowPrinter rows(options);
+            for (const CMetabolicStabilityInfo& info : fits)
+                StabilityRows(rows, info, StabilityFlagsText(info));
+            if (!settings->groupBy.empty()) {
+                rows.BeginRow();
+                rows.Put("parent", "mean of " + settings->groupBy + " groups");
+                rows.Put("half_life_min",
+                         spread.groups > 0 ? FieldValue(spread.mean) : FieldValue(Null{}));
+                rows.Put("flags", SpreadText(spread));
+                rows.EndRow();
             }
-            if (!settings->groupBy.empty())
-                table.rows.push_back({"mean of " + settings->groupBy + " groups", "", "", "", "",
-                                      "", orEmpty(spread.groups > 0, spread.mean, 1), "", "", "",
-                                      "", "", SpreadText(spread)});
-            PrintTable(table, options);
+            rows.Close();
         }
         if (!settings->plot.empty())
             WriteFileAtomically(settings->plot, StabilityFigureSvg(fits, !settings->groupBy.empty(),

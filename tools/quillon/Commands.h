@@ -18,5 +18,7 @@ void RegisterExport(CLI::App& app, GlobalOptions& options);
 void RegisterEdit(CLI::App& app, GlobalOptions& options);
 void RegisterMolfiles(CLI::App& app, GlobalOptions& options);
 void RegisterCheck(CLI::App& app, GlobalOptions& options);
+void RegisterServe(CLI::App& app, GlobalOptions& options);
+void RegisterHtml(CLI::App& app, GlobalOptions& options);
 
 } // namespace quillon::tool

@@ -1,5 +1,6 @@
 // molfiles: the structures embedded in a report, extracted into files of their own.
 #include "Commands.h"
+#include "RowPrinter.h"
 
 #include <cerrno>
 #include <cstring>
@@ -49,9 +50,7 @@ void RegisterMolfiles(CLI::App& app, GlobalOptions& options) {
         CStringArray paths;
         if (!CMolfile::ReadList(paths))
             throw ToolError("cannot read '" + CMolfile::ListPath().str() + "'");
-        Table table{{"sample", "reference", "name", "dimensions", "file"},
-                    {},
-                    {true, false, false, true, false}};
+        RowPrinter rows(options);
         for (const CString& path : paths) {
             CString reference;
             int number = 0;
@@ -59,10 +58,15 @@ void RegisterMolfiles(CLI::App& app, GlobalOptions& options) {
             int dimensions = 0;
             CMolfile::SplitMolfilePath(path, reference, number);
             const bool readable = CMolfile::ReadHeader(path, name, dimensions);
-            table.rows.push_back({std::to_string(number), reference.str(), name.str(),
-                                  readable ? std::to_string(dimensions) : "", path.str()});
+            rows.BeginRow();
+            rows.Field("sample", number);
+            rows.Field("reference", reference);
+            rows.Field("name", name);
+            rows.FieldIf("dimensions", readable, dimensions);
+            rows.Field("file", path);
+            rows.EndRow();
         }
-        PrintTable(table, options);
+        rows.Close();
         Note(options, paths.IsEmpty() ? "'" + settings->path + "' holds no molfiles"
                                       : "wrote " + std::to_string(paths.GetSize()) +
                                             " molfile(s) listed in " + CMolfile::ListPath().str());

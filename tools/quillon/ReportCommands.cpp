@@ -1,34 +1,52 @@
-// info, metabolites and summary: what a report holds.
+// info and summary: what a report holds.
 #include "Commands.h"
+#include "RowPrinter.h"
+#include "json/ModelRecords.h"
 
-#include <quillon/metabolites/MetaboliteDisplay.h>
-
-#include <iostream>
+#include <map>
 #include <memory>
 
 namespace quillon::tool {
 
 namespace {
 
-std::string Text(const CSampleData& sample, void (CSampleData::*get)(CString&) const) {
-    CString text;
-    (sample.*get)(text);
-    return text.str();
-}
+// The sums of the count columns of the sample rows passing through it, for the table's last row.
+class Totals : public RecordSink {
+public:
+    // Passes the row's fields on to rows, adding up the counts on the way.
+    RecordSink& Add(RecordSink& rows) {
+        m_rows = &rows;
+        return *this;
+    }
+    void Put(std::string_view key, const FieldValue& value) override {
+        if (IsCount(key))
+            m_sums[std::string(key)] += std::get<long long>(value);
+        m_rows->Put(key, value);
+    }
+    // The row of totals, keyed as the sample rows.
+    void Write(RecordSink& rows, int samples) const {
+        rows.FieldNull("sample");
+        rows.Field("id", "total");
+        const std::string count = std::to_string(samples) + " samples";
+        rows.Field("type", std::string_view(count));
+        for (const char* key : {"description", "time", "parent", "control"})
+            rows.FieldNull(key);
+        for (const char* key : kCounts)
+            rows.Field(key, m_sums.count(key) ? m_sums.at(key) : 0LL);
+    }
 
-int FoundCount(CSampleData& sample) {
-    int found = 0;
-    for (int m = 0; m < sample.GetMetaboliteCount(); ++m)
-        found += sample.GetMetabolite(m)->GetFound() && !sample.GetMetabolite(m)->IsHiEnergy();
-    return found;
-}
-
-int TraceCount(CSampleData& sample) {
-    int traces = sample.GetAnalogCount();
-    for (int f = 0; f < sample.GetFunctionCount(); ++f)
-        traces += sample.GetFunction(f)->GetNumChromatogram();
-    return traces;
-}
+private:
+    static constexpr const char* kCounts[] = {"functions",  "traces", "expected",
+                                              "unexpected", "msms",   "found"};
+    static bool IsCount(std::string_view key) {
+        for (const char* count : kCounts)
+            if (key == count)
+                return true;
+        return false;
+    }
+    RecordSink* m_rows = nullptr;
+    std::map<std::string, long long> m_sums;
+};
 
 } // namespace
 
@@ -42,138 +60,19 @@ void RegisterInfo(CLI::App& app, GlobalOptions& options) {
     command->callback([path, &options] {
         CSamples samples;
         LoadReport(*path, samples, options);
-        Table table{{"sample", "id", "type", "description", "time", "functions", "traces",
-                     "expected", "unexpected", "msms", "found", "control"},
-                    {},
-                    {true, false, false, false, true, true, true, true, true, true, true, true}};
-        int totals[6] = {};
+        RowPrinter rows(options);
+        Totals totals;
         for (int i = 0; i < samples.GetSamplesCount(); ++i) {
-            CSampleData& sample = *samples.GetSample(i);
-            const int values[6] = {sample.GetFunctionCount(),
-                                   TraceCount(sample),
-                                   sample.GetExpectedMetaboliteCount(),
-                                   sample.GetUnexpectedMetaboliteCount(),
-                                   sample.GetMSMSCorrelationMetaboliteCount(),
-                                   FoundCount(sample)};
-            std::vector<std::string> row = {
-                std::to_string(sample.GetNumber()), Text(sample, &CSampleData::GetID),
-                Text(sample, &CSampleData::GetType), Text(sample, &CSampleData::GetDescription),
-                Text(sample, &CSampleData::GetSubjectTime)};
-            for (int v = 0; v < 6; ++v) {
-                row.push_back(std::to_string(values[v]));
-                totals[v] += values[v];
-            }
-            const CSampleData* control = sample.GetControlSample();
-            row.push_back(control != nullptr ? std::to_string(control->GetNumber()) : "");
-            table.rows.push_back(std::move(row));
+            rows.BeginRow();
+            SampleRecord(totals.Add(rows), *samples.GetSample(i));
+            rows.EndRow();
         }
         if (options.format == "table") {
-            std::vector<std::string> total = {
-                "", "total", std::to_string(samples.GetSamplesCount()) + " samples", "", ""};
-            for (int value : totals)
-                total.push_back(std::to_string(value));
-            total.push_back("");
-            table.rows.push_back(std::move(total));
+            rows.BeginRow();
+            totals.Write(rows, samples.GetSamplesCount());
+            rows.EndRow();
         }
-        PrintTable(table, options);
-    });
-}
-
-void RegisterMetabolites(CLI::App& app, GlobalOptions& options) {
-    struct Settings {
-        std::string path;
-        int sample = 0;
-        std::vector<double> massDefect;
-        double area = -1.0;
-        double massError = -1.0;
-        std::vector<double> time;
-        bool hideHighEnergy = false;
-    };
-    auto settings = std::make_shared<Settings>();
-    CLI::App* command = app.add_subcommand(
-        "metabolites",
-        "The metabolite table with the browser's column texts, filtered as the browser filters\n"
-        "  example: quillon metabolites batch.txt --sample 4 --area 10000 --time 5 15");
-    command->add_option("REPORT", settings->path, "The report file")->required();
-    command->add_option("--sample", settings->sample, "Only the sample with this number");
-    command
-        ->add_option("--mass-defect", settings->massDefect,
-                     "Keep mass defects between LOWER and UPPER (two numbers, Da)")
-        ->expected(2);
-    command->add_option("--area", settings->area, "Keep peaks of at least this area");
-    command->add_option("--mass-error", settings->massError,
-                        "Keep mass errors up to this many ppm");
-    command->add_option("--time", settings->time, "Keep retention times from LOW to HIGH (min)")
-        ->expected(2);
-    command->add_flag("--hide-high-energy", settings->hideHighEnergy,
-                      "Leave out metabolites of high-energy functions");
-    AddOutputOptions(*command, options);
-    command->callback([settings, &options] {
-        CSamples samples;
-        LoadReport(settings->path, samples, options);
-        CDivBroParams params;
-        if (settings->massDefect.size() == 2) {
-            params.MassDefectFilterOn = true;
-            params.MassDefectLower = settings->massDefect[0];
-            params.MassDefectUpper = settings->massDefect[1];
-        }
-        if (settings->area >= 0.0) {
-            params.AreaFilterOn = true;
-            params.AreaFilterOnExpected = true;
-            params.AreaThreshold = static_cast<float>(settings->area);
-        }
-        if (settings->massError >= 0.0) {
-            params.MassErrorFilterOn = true;
-            params.MassErrorLimit = settings->massError;
-        }
-        if (settings->time.size() == 2) {
-            params.TimeFilterOn = true;
-            params.TimeLow = settings->time[0];
-            params.TimeHigh = settings->time[1];
-        }
-        params.HideHighEnergy = settings->hideHighEnergy;
-        if (settings->sample != 0)
-            SampleByNumber(samples, settings->sample, settings->path);
-
-        Table table{{"sample", "name", "formula", "mz", "mDa", "ppm", "time", "trace", "area",
-                     "area_percent", "found_percent", "is_ratio", "found", "confirmed",
-                     "high_energy"},
-                    {},
-                    {true, false, false, true, true, true, true, false, true, true, true, true,
-                     false, false, false}};
-        for (int i = 0; i < samples.GetSamplesCount(); ++i) {
-            CSampleData& sample = *samples.GetSample(i);
-            if (settings->sample != 0 && sample.GetNumber() != settings->sample)
-                continue;
-            for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
-                const CMetaboliteData& metabolite = *sample.GetMetabolite(m);
-                if (!metabolite.ApplyDataFilters(&params, false))
-                    continue;
-                CString mDa, ppm, time, trace, area, percent, ratio;
-                metabolite.GetmDa(mDa);
-                metabolite.GetPPM(ppm);
-                GetTimeText(metabolite, time);
-                GetTraceText(metabolite, &sample, trace);
-                GetAreaText(metabolite, area);
-                GetRelativeAreaText(metabolite, percent);
-                GetISAreaRatioText(metabolite, &sample, ratio);
-                std::string foundPercent;
-                if (const CChromatogramPeak* peak = sample.GetCorispondingPeakInfo(
-                        metabolite.GetPeakNum(), metabolite.GetFunctionNum(),
-                        metabolite.GetTraceNum());
-                    peak != nullptr && metabolite.GetFound())
-                    foundPercent = Fixed(peak->GetAreaPercentTotal(), 2);
-                table.rows.push_back(
-                    {std::to_string(sample.GetNumber()), metabolite.GetMetName(),
-                     metabolite.GetFormula(),
-                     metabolite.GetMzFound() > 0 ? Fixed(metabolite.GetMzFound(), 4) : "",
-                     mDa.str(), ppm.str(), time.str(), trace.str(), area.str(), percent.str(),
-                     foundPercent, ratio.str(), metabolite.GetFound() ? "yes" : "no",
-                     metabolite.GetConfirmed() ? "yes" : "no",
-                     metabolite.IsHiEnergy() ? "yes" : "no"});
-            }
-        }
-        PrintTable(table, options);
+        rows.Close();
     });
 }
 
@@ -189,18 +88,19 @@ void RegisterSummary(CLI::App& app, GlobalOptions& options) {
         LoadReport(*path, samples, options);
         CArray<MetaboliteCountInfo> summary;
         samples.CreateOverallMSSummaryData(summary, -1, -1);
-        Table table{{"metabolite", "shift"}, {}, {false, false}};
-        for (int i = 0; i < samples.GetSamplesCount(); ++i) {
-            table.columns.push_back("sample " + std::to_string(samples.GetSample(i)->GetNumber()));
-            table.numeric.push_back(true);
-        }
+        std::vector<std::string> columns;
+        for (int i = 0; i < samples.GetSamplesCount(); ++i)
+            columns.push_back("sample " + std::to_string(samples.GetSample(i)->GetNumber()));
+        RowPrinter rows(options);
         for (const MetaboliteCountInfo& entry : summary) {
-            std::vector<std::string> row = {entry.name.str(), entry.label.str()};
-            for (int count : entry.counts)
-                row.push_back(std::to_string(count));
-            table.rows.push_back(std::move(row));
+            rows.BeginRow();
+            rows.Field("metabolite", entry.name);
+            rows.Field("shift", entry.label);
+            for (size_t c = 0; c < columns.size() && c < entry.counts.size(); ++c)
+                rows.Field(columns[c], entry.counts[c]);
+            rows.EndRow();
         }
-        PrintTable(table, options);
+        rows.Close();
     });
 }
 

@@ -1,5 +1,7 @@
 #include "Tool.h"
 
+#include "Output.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -21,33 +23,6 @@ namespace {
 
 std::string Quoted(const std::string& path) {
     return "'" + path + "'";
-}
-
-std::string CsvField(const std::string& text) {
-    if (text.find_first_of(",\"\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (char ch : text) {
-        if (ch == '"')
-            quoted += '"';
-        quoted += ch;
-    }
-    return quoted + "\"";
-}
-
-// "42", "-7": printed as an integer in JSON.
-bool IsWholeNumber(const std::string& text) {
-    const size_t digits = text.find_first_not_of('-') == 1 ? 1 : 0;
-    return text.size() > digits && text.size() < 19 &&
-           text.find_first_not_of("0123456789", digits) == std::string::npos;
-}
-
-// Where output goes: collected and then written to standard output or atomically to a file.
-void Emit(const std::string& text, const GlobalOptions& options) {
-    if (options.output.empty() || options.output == "-")
-        std::cout << text << std::flush;
-    else
-        WriteFileAtomically(options.output, text);
 }
 
 } // namespace
@@ -222,63 +197,16 @@ CSampleData& SampleByNumber(CSamples& samples, int number, const std::string& pa
                     std::to_string(number) + "; its samples are " + Runs(numbers));
 }
 
-void PrintTable(const Table& table, const GlobalOptions& options) {
-    std::ostringstream out;
-    auto isNumeric = [&](size_t c) { return c < table.numeric.size() && table.numeric[c]; };
-    if (options.format == "json") {
-        nlohmann::json rows = nlohmann::json::array();
-        for (const auto& row : table.rows) {
-            nlohmann::json object = nlohmann::json::object();
-            for (size_t c = 0; c < table.columns.size() && c < row.size(); ++c) {
-                if (isNumeric(c) && IsWholeNumber(row[c]))
-                    object[table.columns[c]] = std::atoll(row[c].c_str());
-                else if (isNumeric(c) && !row[c].empty())
-                    object[table.columns[c]] = ParseDouble(row[c].c_str());
-                else if (isNumeric(c))
-                    object[table.columns[c]] = nullptr;
-                else
-                    object[table.columns[c]] = row[c];
-            }
-            rows.push_back(std::move(object));
-        }
-        out << rows.dump(2) << "\n";
-    } else if (options.format == "csv") {
-        for (size_t c = 0; c < table.columns.size(); ++c)
-            out << (c ? "," : "") << CsvField(table.columns[c]);
-        out << "\n";
-        for (const auto& row : table.rows) {
-            for (size_t c = 0; c < row.size(); ++c)
-                out << (c ? "," : "") << CsvField(row[c]);
-            out << "\n";
-        }
-    } else {
-        std::vector<size_t> width(table.columns.size(), 0);
-        for (size_t c = 0; c < table.columns.size(); ++c)
-            width[c] = table.columns[c].size();
-        for (const auto& row : table.rows)
-            for (size_t c = 0; c < row.size() && c < width.size(); ++c)
-                width[c] = std::max(width[c], row[c].size());
-        auto line = [&](const std::vector<std::string>& cells) {
-            for (size_t c = 0; c < width.size(); ++c) {
-                const std::string cell = c < cells.size() ? cells[c] : "";
-                const std::string pad(width[c] - std::min(width[c], cell.size()), ' ');
-                out << (c ? "  " : "") << (isNumeric(c) ? pad + cell : cell + pad);
-            }
-            out << "\n";
-        };
-        line(table.columns);
-        std::vector<std::string> rule;
-        for (size_t w : width)
-            rule.push_back(std::string(w, '-'));
-        line(rule);
-        for (const auto& row : table.rows)
-            line(row);
-    }
-    Emit(out.str(), options);
+void PrintJson(const nlohmann::json& document, const GlobalOptions& options) {
+    Output output(options.output);
+    output.Write(document.dump(2) + "\n");
+    output.Close();
 }
 
-void PrintJson(const nlohmann::json& document, const GlobalOptions& options) {
-    Emit(document.dump(2) + "\n", options);
+std::string LibraryMessage(const CException& exception) {
+    char text[512] = "";
+    exception.GetErrorMessage(text, sizeof text);
+    return text;
 }
 
 namespace {
@@ -289,9 +217,7 @@ void AsToolError(Operation operation) {
     try {
         operation();
     } catch (const CException& exception) {
-        char text[512] = "";
-        exception.GetErrorMessage(text, sizeof text);
-        throw ToolError(text);
+        throw ToolError(LibraryMessage(exception));
     }
 }
 

@@ -74,19 +74,11 @@ void SetVerbose(bool verbose);
 // Writes a line on standard error when --verbose is on: "quillon: read b.txt: 6 samples in 0.21 s".
 void Verbose(const std::string& text);
 
-// Rows of texts under named columns.
-struct Table {
-    std::vector<std::string> columns;
-    std::vector<std::vector<std::string>> rows;
-    // Columns whose texts are numbers: right-aligned in a table and numbers in JSON.
-    std::vector<bool> numeric;
-};
-
-// Prints the table in the chosen format to the output (standard output or the -o file, which is
-// written atomically). JSON: an array of objects.
-void PrintTable(const Table& table, const GlobalOptions& options);
-// Writes a JSON document to the output.
+// Writes a JSON document to the output (standard output or the -o file, written atomically).
 void PrintJson(const nlohmann::json& document, const GlobalOptions& options);
+
+// The library's error as one line naming the file and the reason.
+std::string LibraryMessage(const CException& exception);
 
 // Writes text to path atomically: a temporary file beside it, flushed and synced, renamed over
 // the target. Throws ToolError (the target untouched) when any step fails.

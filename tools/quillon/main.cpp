@@ -80,7 +80,8 @@ int main(int argc, char** argv) {
          {Registration(RegisterInfo), Registration(RegisterMetabolites),
           Registration(RegisterSummary), Registration(RegisterFragments),
           Registration(RegisterStability), Registration(RegisterPlot), Registration(RegisterExport),
-          Registration(RegisterEdit), Registration(RegisterMolfiles), Registration(RegisterCheck)})
+          Registration(RegisterEdit), Registration(RegisterMolfiles), Registration(RegisterCheck),
+          Registration(RegisterServe), Registration(RegisterHtml)})
         add(app, options);
 
     // A write beyond the file-size limit fails with an error, so that a save is abandoned cleanly,

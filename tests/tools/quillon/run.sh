@@ -22,7 +22,7 @@ expect() {
 expect 0 "$quillon" info "$example"
 grep -q "total" "$work/out" || fail "info table has no totals"
 expect 0 "$quillon" info "$example" --format csv
-head -1 "$work/out" | grep -qx "sample,id,type,description,time,functions,traces,expected,unexpected,msms,found,control" || fail "info CSV header"
+head -1 "$work/out" | grep -qx "sample,id,type,description,time,parent,control,functions,traces,expected,unexpected,msms,found" || fail "info CSV header"
 [ "$(wc -l <"$work/out")" -eq 7 ] || fail "info CSV has not one row per sample"
 expect 0 "$quillon" metabolites "$example" --sample 4 --format json
 python3 -c "import json,sys; rows=json.load(open(sys.argv[1])); assert rows and all(r['sample']==4 for r in rows)" "$work/out" || fail "metabolites JSON"
@@ -35,12 +35,12 @@ rows = list(csv.DictReader(open(sys.argv[1])))
 # No low-energy peak has an area that large: only rows without a peak area (or the high-energy
 # partners, which the area filter exempts) are left.
 assert len(rows) + 1 < int(sys.argv[2])
-assert all(r["area"] == "" or r["high_energy"] == "yes" for r in rows)
+assert all(r["area"] == "" or r["high_energy"] == "true" for r in rows)
 PY
 expect 0 "$quillon" summary "$example" --format json
 python3 -c "import json,sys; rows=json.load(open(sys.argv[1])); assert rows[0]['metabolite']=='Parent'" "$work/out" || fail "summary JSON"
 expect 0 "$quillon" fragments "$example" --sample 4 --format json
-python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert d['fragments'] and d['neutral_loss_lines']" "$work/out" || fail "fragments JSON"
+python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert {r['kind'] for r in d} == {'fragment', 'neutral_loss'}" "$work/out" || fail "fragments JSON"
 expect 0 "$quillon" stability "$example" --format json --plot "$work/stability.svg"
 python3 - "$work/out" <<'PY' || fail "stability half-life"
 import json, sys
@@ -96,13 +96,13 @@ PY
 expect 0 "$quillon" export "$example" -o "$work/model.json"
 python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert len(d['samples'])==6 and d['trace_points'] and d['metabolites']" "$work/model.json" || fail "export JSON"
 expect 0 "$quillon" export "$example" --format csv -o "$work/tables"
-head -1 "$work/tables/peaks.csv" | grep -qx "sample,trace,peak_id,cluster,time_min,area,height" || fail "export CSV header"
+head -1 "$work/tables/peaks.csv" | grep -qx "sample,function,trace,peak_id,cluster,time_min,area,height,width,area_percent" || fail "export CSV header"
 
 # An edit saved to a copy: the copy reads back with the edit, and checks clean.
 expect 0 "$quillon" edit "$example" -o "$work/edited.txt" --sample 4 --metabolite 0 --unconfirm --label "checked by e2e"
 expect 0 "$quillon" check "$work/edited.txt"
 expect 0 "$quillon" export "$work/edited.txt" -o "$work/edited.json"
-python3 -c "import json,sys; m=[r for r in json.load(open(sys.argv[1]))['metabolites'] if r['sample']==4 and r['index']==0][0]; assert m['confirmed']=='no'" "$work/edited.json" || fail "edit did not land"
+python3 -c "import json,sys; m=[r for r in json.load(open(sys.argv[1]))['metabolites'] if r['sample']==4 and r['index']==0][0]; assert m['confirmed'] is False" "$work/edited.json" || fail "edit did not land"
 # The label is written (the report's readers pass over that column).
 grep -q "checked by e2e" "$work/edited.txt" || fail "the label was not written"
 

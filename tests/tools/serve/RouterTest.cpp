@@ -1,0 +1,246 @@
+// The web server's answers, in process: the security checks, every route's shape, the filters,
+// the fragment job and bad input.
+#include <serve/LoadReports.h>
+#include <serve/Router.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace quillon::tool::serve {
+namespace {
+
+constexpr const char* kToken = "0123456789abcdef0123456789abcdef";
+
+class RouterTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        s_reports = new ServedReports(
+            LoadReports({QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt"}));
+    }
+    static void TearDownTestSuite() {
+        delete s_reports;
+        s_reports = nullptr;
+    }
+
+    static HttpRequest Request(const std::string& method, const std::string& target) {
+        HttpRequest request;
+        request.method = method;
+        const size_t question = target.find('?');
+        request.path = target.substr(0, question);
+        if (question != std::string::npos)
+            request.query = target.substr(question + 1);
+        request.headers = {{"host", "127.0.0.1:8765"},
+                           {"cookie", std::string("quillon_token=") + kToken}};
+        return request;
+    }
+    HttpResponse Send(const HttpRequest& request) { return m_router.Handle(request); }
+    // The JSON answer to a GET, expecting the status.
+    nlohmann::json Get(const std::string& target, int status = 200) {
+        const HttpResponse response = Send(Request("GET", target));
+        EXPECT_EQ(response.status, status) << target << ": " << response.body;
+        EXPECT_EQ(response.contentType, "application/json") << target;
+        nlohmann::json body = nlohmann::json::parse(response.body);
+        if (status != 200) {
+            EXPECT_TRUE(body["error"].is_string()) << target;
+        }
+        return body;
+    }
+
+    static ServedReports* s_reports;
+    Router m_router{*s_reports, {kToken, ServedHosts("127.0.0.1", 8765)}};
+};
+
+ServedReports* RouterTest::s_reports = nullptr;
+
+TEST_F(RouterTest, RefusesForeignHostsMissingTokensUnmarkedChangesAndLargeBodies) {
+    HttpRequest request = Request("GET", "/api/v1/batch");
+    request.headers["host"] = "attacker.example:8765";
+    EXPECT_EQ(Send(request).status, 403);
+
+    request = Request("GET", "/api/v1/batch");
+    request.headers.erase("cookie");
+    EXPECT_EQ(Send(request).status, 403);
+    request.headers["cookie"] = "quillon_token=0123456789abcdef0123456789abcdee";
+    EXPECT_EQ(Send(request).status, 403);
+    request.query = std::string("token=") + kToken;
+    EXPECT_EQ(Send(request).status, 200);
+
+    // The first visit with the token sets the cookie and leaves the token out of the address.
+    request = Request("GET", std::string("/?token=") + kToken);
+    request.headers.erase("cookie");
+    const HttpResponse first = Send(request);
+    EXPECT_EQ(first.status, 303);
+    bool cookie = false;
+    for (const auto& [name, value] : first.headers)
+        cookie = cookie ||
+                 (name == "Set-Cookie" && value.find(std::string("quillon_token=") + kToken) == 0 &&
+                  value.find("HttpOnly") != std::string::npos &&
+                  value.find("SameSite=Strict") != std::string::npos);
+    EXPECT_TRUE(cookie);
+
+    HttpRequest change = Request("POST", "/api/v1/samples/1/fragments");
+    EXPECT_EQ(Send(change).status, 403);
+    change.method = "GET";
+    change.body.assign(100 * 1024, 'x');
+    EXPECT_EQ(Send(change).status, 413);
+}
+
+TEST_F(RouterTest, ServesThePageAndItsFilesOnly) {
+    const HttpResponse page = Send(Request("GET", "/"));
+    EXPECT_EQ(page.status, 200);
+    EXPECT_NE(page.contentType.find("text/html"), std::string::npos);
+    EXPECT_NE(page.body.find("app.js"), std::string::npos);
+    EXPECT_EQ(Send(Request("GET", "/app.js")).status, 200);
+    for (const char* path : {"/../../etc/passwd", "/etc/passwd", "/api/v2/batch", "/app.js/x"})
+        EXPECT_EQ(Send(Request("GET", path)).status, 404) << path;
+}
+
+TEST_F(RouterTest, BatchAndSampleAnswersCarryTheModelAndItsVersion) {
+    const nlohmann::json reports = Get("/api/v1/reports");
+    ASSERT_EQ(reports["reports"].size(), 1u);
+    EXPECT_EQ(reports["reports"][0]["name"], "Chlorpromazine_HLM_batch.txt");
+
+    const nlohmann::json batch = Get("/api/v1/batch");
+    EXPECT_EQ(batch["report"], 0);
+    EXPECT_TRUE(batch["version"].is_number_integer());
+    const nlohmann::json& samples = batch["samples"];
+    ASSERT_GT(samples.size(), 1u);
+    EXPECT_TRUE(samples[0]["sample"].is_number_integer());
+    EXPECT_TRUE(samples[0]["found"].is_number_integer());
+    ASSERT_FALSE(batch["summary"].empty());
+    EXPECT_EQ(batch["summary"][0]["counts"].size(), samples.size());
+    EXPECT_TRUE(batch["stability"].is_array());
+
+    const int number = samples[0]["sample"];
+    const nlohmann::json sample = Get("/api/v1/samples/" + std::to_string(number));
+    EXPECT_EQ(sample["sample"]["sample"], number);
+    EXPECT_FALSE(sample["traces"].empty());
+    EXPECT_EQ(sample["version"], batch["version"]);
+}
+
+TEST_F(RouterTest, MetaboliteFiltersKeepOnlyMatchingRows) {
+    const std::string base =
+        "/api/v1/samples/" + Get("/api/v1/batch")["samples"][1]["sample"].dump() + "/metabolites";
+    const nlohmann::json all = Get(base);
+    ASSERT_GT(all["metabolites"].size(), 2u);
+    EXPECT_EQ(all["total"], all["metabolites"].size());
+    EXPECT_TRUE(all["metabolites"][0]["found"].is_boolean());
+
+    // Time and mass-defect windows sift the unexpected metabolites; the area threshold every
+    // metabolite of a low-energy function.
+    const nlohmann::json timed = Get(base + "?time_low=3&time_high=6");
+    for (const nlohmann::json& row : timed["metabolites"])
+        if (row["kind"] == "unexpected") {
+            EXPECT_GE(row["time_min"].get<double>(), 3.0);
+            EXPECT_LE(row["time_min"].get<double>(), 6.0);
+        }
+    const nlohmann::json strong = Get(base + "?area=1e30");
+    EXPECT_LT(strong["metabolites"].size(), all["metabolites"].size());
+    for (const nlohmann::json& row : strong["metabolites"])
+        EXPECT_TRUE(row["high_energy"] == true) << row.dump();
+
+    const nlohmann::json first = all["metabolites"][0];
+    const std::string one = base + "/" + first["index"].dump();
+    EXPECT_EQ(Get(one)["metabolite"]["name"], first["name"]);
+    EXPECT_TRUE(Get(one + "/candidates")["candidates"].is_array());
+    EXPECT_TRUE(Get(one + "/correlation")["correlation"].is_array());
+}
+
+TEST_F(RouterTest, PlotsAreThinnedToTheWidthUnlessAllPointsAreAsked) {
+    const nlohmann::json batch = Get("/api/v1/batch");
+    const std::string sample = "/api/v1/samples/" + batch["samples"][1]["sample"].dump();
+    const nlohmann::json found = Get(sample + "/metabolites")["metabolites"];
+    nlohmann::json detail;
+    for (const nlohmann::json& row : found) {
+        detail = Get(sample + "/metabolites/" + row["index"].dump());
+        if (detail["plot_trace"].is_number() && detail["spectrum_function"].is_number())
+            break;
+    }
+    ASSERT_TRUE(detail["plot_trace"].is_number());
+    const std::string trace = sample + "/traces/" + detail["plot_trace"].dump();
+    const nlohmann::json full = Get(trace + "?full=1");
+    const nlohmann::json thin = Get(trace + "?width=20");
+    EXPECT_EQ(full["points"]["x"].size(), full["points"]["total"]);
+    EXPECT_LE(thin["points"]["x"].size(), 40u);
+    EXPECT_EQ(thin["points"]["total"], full["points"]["total"]);
+    auto highest = [](const nlohmann::json& y) {
+        double top = 0;
+        for (const auto& v : y)
+            top = std::max(top, v.get<double>());
+        return top;
+    };
+    EXPECT_EQ(highest(thin["points"]["y"]), highest(full["points"]["y"]));
+    EXPECT_FALSE(full["peaks"].empty());
+
+    const nlohmann::json spectrum =
+        Get(sample + "/spectra/" + detail["metabolite"]["peak_id"].dump() +
+            "?full=1&function=" + detail["spectrum_function"].dump());
+    EXPECT_FALSE(spectrum["points"]["x"].empty());
+    EXPECT_EQ(spectrum["spectrum"]["function"], detail["spectrum_function"]);
+    EXPECT_TRUE(Get(sample + "/combined/all?width=300")["points"]["x"].is_array());
+    EXPECT_TRUE(Get(sample + "/peaks")["peaks"].is_array());
+}
+
+TEST_F(RouterTest, BadRequestsAreClearErrors) {
+    const std::string sample =
+        "/api/v1/samples/" + Get("/api/v1/batch")["samples"][0]["sample"].dump();
+    const std::pair<const char*, int> cases[] = {
+        {"/api/v1/samples/99999", 404},
+        {"/api/v1/samples/x1", 400},
+        {"/api/v1/samples/99999999999999999999", 400},
+        {"/api/v1/batch?report=3", 404},
+        {"/api/v1/batch?report=-1", 404},
+        {"/api/v1/nothing", 404},
+    };
+    for (const auto& [target, status] : cases)
+        Get(target, status);
+    const std::pair<std::string, int> beneath[] = {
+        {"/metabolites/100000", 404},
+        {"/metabolites/-1/candidates", 404},
+        {"/metabolites?area=abc", 400},
+        {"/metabolites?area=1e999", 400},
+        {"/metabolites?time_low=5", 400},
+        {"/metabolites?time_low=6&time_high=5", 400},
+        {"/metabolites?hide_high_energy=maybe", 400},
+        {"/metabolites?area=%zz", 400},
+        {"/traces/0", 404},
+        {"/traces/1?width=100000000", 400},
+        {"/traces/1?width=0", 400},
+        {"/combined/some", 404},
+        {"/spectra/-3", 404},
+        {"/nothing/here/at/all", 404},
+    };
+    for (const auto& [rest, status] : beneath)
+        Get(sample + rest, status);
+    HttpRequest put = Request("PUT", "/api/v1/batch");
+    put.headers["x-quillon-request"] = "1";
+    EXPECT_EQ(Send(put).status, 405);
+}
+
+TEST_F(RouterTest, FragmentAnalysisRunsAsAJob) {
+    const std::string sample =
+        "/api/v1/samples/" + Get("/api/v1/batch")["samples"][1]["sample"].dump() + "/fragments";
+    HttpRequest start = Request("POST", sample);
+    start.headers["x-quillon-request"] = "1";
+    ASSERT_EQ(Send(start).status, 200);
+    nlohmann::json job;
+    for (int poll = 0; poll < 2000; ++poll) {
+        job = Get(sample);
+        if (job["state"] != "running")
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    ASSERT_EQ(job["state"], "done") << job.dump();
+    EXPECT_EQ(job["progress"], 1.0);
+    ASSERT_FALSE(job["result"]["rows"].empty());
+    EXPECT_TRUE(job["result"]["rows"][0]["kind"].is_string());
+
+    HttpRequest cancel = Request("DELETE", sample);
+    cancel.headers["x-quillon-request"] = "1";
+    EXPECT_EQ(Send(cancel).status, 200);
+}
+
+} // namespace
+} // namespace quillon::tool::serve

@@ -1,0 +1,20 @@
+#pragma once
+
+// The answers under /api/v1/samples/N/ (see Api.h).
+
+#include "Query.h"
+#include "ServedReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace quillon::tool::serve {
+
+// segments: the sample's number and what follows it ("3", "traces", "2").
+nlohmann::json SampleAnswer(ServedReport& report, const std::string& method,
+                            std::span<const std::string_view> segments, const Query& query);
+
+} // namespace quillon::tool::serve

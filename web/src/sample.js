@@ -1,0 +1,149 @@
+// The sample view: the filtered, sortable metabolite table on the left (up and down keys move the
+// selection), and for the selected metabolite its trace, the combined trace, its spectrum, its
+// elemental candidates and correlation rows, the sample's fragment analysis and the parent's
+// structure on the right.
+
+import { filterRows, get, isSnapshot } from "./api.js";
+import { el, section, table } from "./dom.js";
+import { renderDetails } from "./details.js";
+import { go, parseRoute } from "./route.js";
+
+const columns = [
+  { key: "index", label: "#", decimals: 0 },
+  { key: "name", label: "Name" },
+  { key: "kind", label: "Kind" },
+  { key: "formula", label: "Formula" },
+  { key: "mz", label: "m/z", decimals: 4 },
+  { key: "mDa", label: "mDa", decimals: 1 },
+  { key: "ppm", label: "ppm", decimals: 1 },
+  { key: "time_min", label: "RT (min)", decimals: 2 },
+  { key: "area", label: "Area", decimals: 0 },
+  { key: "area_percent", label: "Area %", decimals: 1 },
+  { key: "trace_name", label: "Trace" },
+  { label: "Found", value: (r) => (r.found ? "yes" : "") },
+];
+
+const filterFields = [
+  ["mass_defect_low", "Mass defect below (Da)"], ["mass_defect_high", "above (Da)"],
+  ["area", "Area at least"], ["mass_error", "Mass error up to (mDa)"],
+  ["time_low", "RT from (min)"], ["time_high", "to"],
+];
+
+// What the sample view keeps between redraws of the same sample.
+const state = { key: null, filter: {}, sort: { key: "index", up: true }, rows: [], percent: false };
+
+export async function renderSample(view, route) {
+  const key = `${route.report}/${route.sample}`;
+  if (state.key !== key) {
+    state.key = key;
+    view.replaceChildren(layout(route));
+    await loadRows(route);
+  }
+  await select(route);
+}
+
+function layout(route) {
+  const form = el("form", { class: "filters", id: "filters", onsubmit: (e) => { e.preventDefault(); applyFilter(route, e.target); } },
+    filterFields.map(([name, label]) =>
+      el("label", {}, label, el("input", { name, type: "number", step: "any", inputmode: "decimal", size: 6 }))),
+    el("label", {}, el("input", { name: "hide_high_energy", type: "checkbox" }), "Hide high energy"),
+    el("button", { type: "submit" }, "Apply"),
+    el("button", { type: "reset", onclick: () => setTimeout(() => applyFilter(route, form)) }, "Clear"));
+  const percent = el("label", { class: "percent" }, el("input", {
+    type: "checkbox", onchange: (e) => { state.percent = e.target.checked; select(route, true); } }), "Intensity in %");
+  return el("div", { class: "sample" },
+    el("div", { class: "left" }, section("Metabolites", form, el("p", { id: "row-count", class: "muted" }),
+      el("div", { id: "metabolites", class: "scroll table-box", tabindex: "0", onkeydown: move }))),
+    el("div", { class: "right", id: "details" }, percent, el("p", { class: "muted" }, "Select a metabolite.")));
+}
+
+async function applyFilter(route, form) {
+  const filter = {};
+  for (const [name] of filterFields) if (form.elements[name].value !== "") filter[name] = form.elements[name].value;
+  if (form.elements.hide_high_energy.checked) filter.hide_high_energy = "1";
+  state.filter = filter;
+  await loadRows(route);
+}
+
+async function loadRows(route) {
+  const status = document.getElementById("status");
+  try {
+    if (isSnapshot) {
+      const all = await get(`samples/${route.sample}/metabolites`, route.report);
+      state.rows = filterRows(all.metabolites, state.filter);
+      state.total = all.total;
+    } else {
+      const answer = await get(`samples/${route.sample}/metabolites`, route.report, state.filter);
+      state.rows = answer.metabolites;
+      state.total = answer.total;
+    }
+    status.textContent = "";
+  } catch (error) {
+    status.textContent = error.message;
+    state.rows = [];
+  }
+  drawTable(route);
+}
+
+function sorted() {
+  const { key, up } = state.sort;
+  const value = (r) => (key === "found" ? Number(r.found) : r[key]);
+  return [...state.rows].sort((a, b) => {
+    const [x, y] = [value(a), value(b)];
+    if (x === y) return a.index - b.index;
+    if (x === null || x === undefined) return 1;
+    if (y === null || y === undefined) return -1;
+    return (x < y ? -1 : 1) * (up ? 1 : -1);
+  });
+}
+
+function drawTable(route) {
+  const rows = sorted();
+  const current = route.metabolite;
+  const grid = table(columns, rows, {
+    onRow: (row, tr) => {
+      tr.dataset.index = row.index;
+      tr.classList.add("link");
+      if (row.index === current) tr.classList.add("selected");
+      if (!row.found) tr.classList.add("dim");
+      tr.addEventListener("click", () => go({ ...route, metabolite: row.index }));
+    },
+  });
+  grid.id = "metabolite-table";
+  grid.querySelectorAll("th").forEach((th, i) => {
+    const key = columns[i].key ?? "found";
+    th.classList.add("sortable");
+    if (state.sort.key === key) th.dataset.sort = state.sort.up ? "up" : "down";
+    th.addEventListener("click", () => {
+      state.sort = { key, up: state.sort.key === key ? !state.sort.up : true };
+      drawTable(route);
+    });
+  });
+  document.getElementById("metabolites").replaceChildren(grid);
+  document.getElementById("row-count").textContent = `${rows.length} of ${state.total ?? rows.length} metabolites shown`;
+}
+
+function move(event) {
+  if (event.key !== "ArrowDown" && event.key !== "ArrowUp") return;
+  const route = parseRoute();
+  event.preventDefault();
+  const rows = sorted();
+  if (!rows.length) return;
+  const at = rows.findIndex((r) => r.index === route.metabolite);
+  const next = at < 0 ? 0 : Math.min(rows.length - 1, Math.max(0, at + (event.key === "ArrowDown" ? 1 : -1)));
+  go({ ...route, metabolite: rows[next].index }, { replace: true });
+}
+
+async function select(route, redraw = false) {
+  document.querySelectorAll("#metabolite-table tr.selected").forEach((tr) => tr.classList.remove("selected"));
+  const tr = document.querySelector(`#metabolite-table tr[data-index="${route.metabolite}"]`);
+  if (tr) {
+    tr.classList.add("selected");
+    const box = document.getElementById("metabolites");
+    const head = tr.closest("table").tHead.offsetHeight;
+    if (tr.offsetTop - head < box.scrollTop) box.scrollTop = tr.offsetTop - head;
+    else if (tr.offsetTop + tr.offsetHeight > box.scrollTop + box.clientHeight)
+      box.scrollTop = tr.offsetTop + tr.offsetHeight - box.clientHeight;
+  }
+  await renderDetails(document.getElementById("details"), route, { percent: state.percent, redraw });
+}
