@@ -41,12 +41,10 @@ CDivBroParams FragmentSettings(const std::optional<py::dict>& settings) {
 py::dict FragmentResults(const CFragmentAnalysis& analysis) {
     py::list fragments, losses, fragmentLines, lossLines;
     for (const FragmentEntry& e : analysis.GetFragmentEntries())
-        fragments.append(py::dict(py::arg("nominal_mass") = e.NominalMass,
-                                  py::arg("parent_index") = e.ParentIndex,
-                                  py::arg("partner_index") = e.PartnerIndex,
-                                  py::arg("function_index") = e.FunctionIndex,
-                                  py::arg("spectrum_peak_id") = e.SpectrumPeakID,
-                                  py::arg("cluster_id") = e.ClusterID));
+        fragments.append(py::dict(
+            py::arg("nominal_mass") = e.NominalMass, py::arg("parent_index") = e.ParentIndex,
+            py::arg("partner_index") = e.PartnerIndex, py::arg("function_index") = e.FunctionIndex,
+            py::arg("spectrum_peak_id") = e.SpectrumPeakID, py::arg("cluster_id") = e.ClusterID));
     for (const NeutralLossEntry& e : analysis.GetNeutralLossEntries())
         losses.append(py::dict(py::arg("mass") = e.Mass, py::arg("nominal_mass") = e.NominalMass,
                                py::arg("label") = Text(e.Label.str())));
@@ -82,8 +80,9 @@ py::dict RunFragmentAnalysis(const SampleRef& ref, std::optional<py::dict> setti
     }
     operation.RaiseIfStopped();
     if (!operation.messages.empty())
-        throw std::runtime_error("fragment analysis of sample " + std::to_string(sample.GetNumber()) +
-                                 ": " + operation.messages.front());
+        throw std::runtime_error("fragment analysis of sample " +
+                                 std::to_string(sample.GetNumber()) + ": " +
+                                 operation.messages.front());
     return FragmentResults(analysis);
 }
 
@@ -123,9 +122,8 @@ py::dict SeriesRecord(const CMetabolicStabilityInfo& info) {
     for (const auto& p : info.points)
         points.append(py::dict(py::arg("sample") = p.sampleNumber, py::arg("time_min") = p.time,
                                py::arg("amount") = NoneUnless(p.hasAmount, p.amount),
-                               py::arg("percent_remaining") =
-                                   NoneUnless(p.hasAmount && info.initialAmount > 0,
-                                              p.percentRemaining),
+                               py::arg("percent_remaining") = NoneUnless(
+                                   p.hasAmount && info.initialAmount > 0, p.percentRemaining),
                                py::arg("used_in_fit") = p.usedInFit));
     for (const auto& f : info.formation)
         formation.append(py::dict(py::arg("name") = Text(f.name.str()),
@@ -139,8 +137,8 @@ py::dict SeriesRecord(const CMetabolicStabilityInfo& info) {
     return record;
 }
 
-py::list Stability(const BatchPtr& batch, double protein, double proteinPerLiver,
-                   double liverPerKg, double minimumRSquared) {
+py::list Stability(const BatchPtr& batch, double protein, double proteinPerLiver, double liverPerKg,
+                   double minimumRSquared) {
     MetabolicStabilityParameters parameters;
     parameters.proteinMgPerMl = protein;
     parameters.proteinMgPerGramLiver = proteinPerLiver;

@@ -154,21 +154,20 @@ void BindBatch(py::module_& m) {
         .def_property_readonly(
             "read_report",
             [](const BatchState& b) {
-                static const char* kinds[] = {"unknown section", "stray block", "stray block end",
+                static const char* kinds[] = {"unknown section", "stray block",  "stray block end",
                                               "stray line",      "sample error", "open block"};
                 py::list entries;
                 for (const CReadReport::Entry& e : b.samples.GetReadReport().entries)
-                    entries.append(py::dict(py::arg("kind") = kinds[e.kind],
-                                            py::arg("name") = Text(e.name.str()),
-                                            py::arg("offset") = e.offset,
-                                            py::arg("detail") = Text(e.detail.str())));
+                    entries.append(py::dict(
+                        py::arg("kind") = kinds[e.kind], py::arg("name") = Text(e.name.str()),
+                        py::arg("offset") = e.offset, py::arg("detail") = Text(e.detail.str())));
                 return entries;
             },
             "What reading passed over or could not read: dicts of kind, name, offset (bytes from "
             "the start of the file) and detail. Empty for a clean report.")
         .def("__repr__", [](const BatchState& b) {
-            return "<quillon.Batch '" + b.path + "': " +
-                   std::to_string(b.samples.GetSamplesCount()) + " samples>";
+            return "<quillon.Batch '" + b.path +
+                   "': " + std::to_string(b.samples.GetSamplesCount()) + " samples>";
         });
 }
 
@@ -177,11 +176,14 @@ void BindSample(py::module_& m) {
         .def_property_readonly(
             "number", [](const SampleRef& s) { return s.Get().GetNumber(); }, "Sample number.")
         .def_property_readonly(
-            "id", [](const SampleRef& s) { return Text(TextOf([&](CString& t) { s.Get().GetID(t); })); },
+            "id",
+            [](const SampleRef& s) { return Text(TextOf([&](CString& t) { s.Get().GetID(t); })); },
             "Sample identifier.")
         .def_property_readonly(
             "type",
-            [](const SampleRef& s) { return Text(TextOf([&](CString& t) { s.Get().GetType(t); })); },
+            [](const SampleRef& s) {
+                return Text(TextOf([&](CString& t) { s.Get().GetType(t); }));
+            },
             "\"Analyte\", \"Control\", ...")
         .def_property_readonly(
             "description",
@@ -258,7 +260,8 @@ void BindAcquisition(py::module_& m) {
         .def_property_readonly(
             "trace", [](const TraceRef& t) { return t.Get().GetTraceNumber(); }, "Trace number.")
         .def_property_readonly(
-            "function", [](const TraceRef& t) { return t.function < 0 ? 0 : t.Get().GetFunctionNumber(); },
+            "function",
+            [](const TraceRef& t) { return t.function < 0 ? 0 : t.Get().GetFunctionNumber(); },
             "Number of the trace's function (0 for an analog channel).")
         .def_property_readonly(
             "description", [](const TraceRef& t) { return Text(t.Get().GetDescription().str()); },
@@ -318,8 +321,9 @@ void BindAcquisition(py::module_& m) {
 }
 
 void BindMetabolite(py::module_& m) {
-    py::class_<MetaboliteRef>(m, "Metabolite", "A metabolite of a sample; confirmed and label "
-                                               "can be set, and candidates deleted.")
+    py::class_<MetaboliteRef>(m, "Metabolite",
+                              "A metabolite of a sample; confirmed and label "
+                              "can be set, and candidates deleted.")
         .def_readonly("index", &MetaboliteRef::index, "Position in the sample's metabolites.")
         .def_property_readonly(
             "sample", [](const MetaboliteRef& r) { return r.Sample().GetNumber(); },
@@ -352,8 +356,7 @@ void BindMetabolite(py::module_& m) {
             "peak_id", [](const MetaboliteRef& r) { return r.Get().GetPeakNum(); },
             "Peak identifier (below 1: no peak).")
         .def_property_readonly(
-            "trace", [](const MetaboliteRef& r) { return r.Get().GetTraceNum(); },
-            "Trace number.")
+            "trace", [](const MetaboliteRef& r) { return r.Get().GetTraceNum(); }, "Trace number.")
         .def_property_readonly(
             "function", [](const MetaboliteRef& r) { return r.Get().GetFunctionNum(); },
             "Function number.")
@@ -410,8 +413,9 @@ CFunctionData& FunctionRef::Get() const {
 
 CChromatoData& TraceRef::Get() const {
     CSampleData& s = SampleRef{batch, sample}.Get();
-    CChromatoData* t = function < 0 ? s.GetAnalogChannel(trace)
-                                    : FunctionRef{batch, sample, function}.Get().GetChromatogram(trace);
+    CChromatoData* t = function < 0
+                           ? s.GetAnalogChannel(trace)
+                           : FunctionRef{batch, sample, function}.Get().GetChromatogram(trace);
     if (t == nullptr)
         Gone("trace");
     return *t;

@@ -60,9 +60,9 @@ py::dict SampleColumns(const BatchPtr& batch) {
     double* time = columns.Numbers<double>("time");
     py::list parent = columns.Texts("parent");
     double* control = columns.Numbers<double>("control");
-    int* counts[6] = {columns.Numbers<int>("functions"),  columns.Numbers<int>("traces"),
-                      columns.Numbers<int>("expected"),   columns.Numbers<int>("unexpected"),
-                      columns.Numbers<int>("msms"),       columns.Numbers<int>("found")};
+    int* counts[6] = {columns.Numbers<int>("functions"), columns.Numbers<int>("traces"),
+                      columns.Numbers<int>("expected"),  columns.Numbers<int>("unexpected"),
+                      columns.Numbers<int>("msms"),      columns.Numbers<int>("found")};
     CString text;
     for (int i = 0; i < n; ++i) {
         CSampleData& s = *samples.GetSample(i);
@@ -120,7 +120,8 @@ double NumberOrMissing(const CString& text, double value) {
     return text.IsEmpty() ? kMissing : value;
 }
 
-py::dict MetaboliteColumns(const SampleRef& ref, std::optional<std::pair<double, double>> massDefect,
+py::dict MetaboliteColumns(const SampleRef& ref,
+                           std::optional<std::pair<double, double>> massDefect,
                            std::optional<double> area, std::optional<double> massError,
                            std::optional<std::pair<double, double>> time, bool hideHighEnergy) {
     CSampleData& sample = ref.Get();
@@ -192,7 +193,8 @@ py::dict ElementalColumns(const SampleRef& ref) {
     size_t row = 0;
     CElementalResultsData c;
     for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
-        for (int e = 0; row < rows && sample.GetMetabolite(m)->GetElementalResults(e, c); ++e, ++row) {
+        for (int e = 0; row < rows && sample.GetMetabolite(m)->GetElementalResults(e, c);
+             ++e, ++row) {
             number[row] = sample.GetNumber();
             metabolite[row] = m;
             candidateIndex[row] = e;
@@ -215,7 +217,8 @@ py::dict CorrelationColumns(const SampleRef& ref) {
     int* number = columns.Numbers<int>("sample");
     int* metabolite = columns.Numbers<int>("metabolite");
     int* entry = columns.Numbers<int>("entry");
-    py::list masses = columns.Texts("masses_matched"), losses = columns.Texts("neutral_losses_matched"),
+    py::list masses = columns.Texts("masses_matched"),
+             losses = columns.Texts("neutral_losses_matched"),
              common = columns.Texts("common_neutral_losses");
     size_t row = 0;
     CString text;
@@ -251,7 +254,8 @@ py::tuple Summary(const BatchPtr& batch) {
         names.append(Text(summary[row].name.str()));
         shifts.append(Text(summary[row].label.str()));
         for (int c = 0; c < samples; ++c)
-            cells(row, c) = c < int(summary[row].counts.size()) ? summary[row].counts[size_t(c)] : 0;
+            cells(row, c) =
+                c < int(summary[row].counts.size()) ? summary[row].counts[size_t(c)] : 0;
     }
     return py::make_tuple(names, shifts, numbers, counts);
 }
