@@ -36,6 +36,12 @@ def test_fragment_analysis_matches_the_tool(example_copy, tool):
     assert result.neutral_losses["label"].tolist() == [r["label"] for r in theirs["neutral_losses"]]
     assert result.fragment_lines == theirs["fragment_lines"]
     assert fractions and fractions == sorted(fractions) and fractions[-1] == 1.0
+
+    def interrupt(fraction):
+        raise KeyboardInterrupt
+
+    with pytest.raises(KeyboardInterrupt):
+        sample.fragment_analysis(progress=interrupt)
     with pytest.raises(ValueError, match="unknown fragment setting"):
         sample.fragment_analysis(settings={"tolerance": 1})
 
