@@ -73,6 +73,7 @@ py::dict RunFragmentAnalysis(const SampleRef& ref, std::optional<py::dict> setti
     CFragmentAnalysis& analysis = *sample.GetFragmentAnalysis();
     Operation operation(std::move(progress), folder.string());
     {
+        const BusyBatch busy(*ref.batch);
         py::gil_scoped_release released;
         sample.SetParams(&params);
         analysis.DoFragmentAnalysis(&sample);
@@ -146,6 +147,7 @@ py::list Stability(const BatchPtr& batch, double protein, double proteinPerLiver
     parameters.minimumRSquared = minimumRSquared;
     CArray<CMetabolicStabilityInfo> series;
     {
+        const BusyBatch busy(*batch);
         py::gil_scoped_release released;
         batch->samples.CreateMetabolicStabilityAnalysis(series, parameters);
     }
@@ -161,6 +163,7 @@ void Save(const BatchPtr& batch, std::optional<std::string> path) {
     const std::string target = path ? *path : batch->path;
     std::optional<CFileException> failure;
     {
+        const BusyBatch busy(*batch);
         py::gil_scoped_release released;
         try {
             SaveReportAtomically(batch->samples, batch->path, target);

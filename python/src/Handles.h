@@ -9,6 +9,7 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -16,12 +17,35 @@ namespace quillon::python {
 
 namespace py = pybind11;
 
-// A report read into memory, and the file it was read from (the one a save copies).
+// A report read into memory, and the file it was read from (the one a save copies). While an
+// analysis or a save runs on it without the GIL, it is busy: other threads are refused rather
+// than let in to read what is being written.
 struct BatchState {
     CSamples samples;
     std::string path;
+    std::atomic<bool> busy{false};
+
+    // Raises RuntimeError while the batch is busy.
+    void CheckIdle() const;
+    // The samples, once CheckIdle has let the caller through.
+    CSamples& Samples() {
+        CheckIdle();
+        return samples;
+    }
 };
 using BatchPtr = std::shared_ptr<BatchState>;
+
+// Marks the batch busy for its lifetime; raises RuntimeError when it already is.
+class BusyBatch {
+public:
+    explicit BusyBatch(BatchState& batch);
+    BusyBatch(const BusyBatch&) = delete;
+    BusyBatch& operator=(const BusyBatch&) = delete;
+    ~BusyBatch() { m_batch.busy = false; }
+
+private:
+    BatchState& m_batch;
+};
 
 struct SampleRef {
     BatchPtr batch;

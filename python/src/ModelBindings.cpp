@@ -108,7 +108,7 @@ void Edit(const MetaboliteRef& m, CMetaboliteEdit::Kind kind, const std::string&
     edit.metabolite = m.index;
     edit.label = label.c_str();
     edit.candidate = candidate;
-    const std::string problem = CheckMetaboliteEdit(m.batch->samples, edit);
+    const std::string problem = CheckMetaboliteEdit(m.batch->Samples(), edit);
     if (!problem.empty())
         throw py::value_error(problem);
     ApplyMetaboliteEdit(m.batch->samples, edit);
@@ -136,7 +136,7 @@ void BindBatch(py::module_& m) {
             "samples",
             [](const BatchPtr& b) {
                 std::vector<SampleRef> samples;
-                for (int i = 0; i < b->samples.GetSamplesCount(); ++i)
+                for (int i = 0; i < b->Samples().GetSamplesCount(); ++i)
                     samples.push_back({b, i});
                 return samples;
             },
@@ -144,20 +144,20 @@ void BindBatch(py::module_& m) {
         .def(
             "sample",
             [](const BatchPtr& b, int number) {
-                for (int i = 0; i < b->samples.GetSamplesCount(); ++i)
+                for (int i = 0; i < b->Samples().GetSamplesCount(); ++i)
                     if (b->samples.GetSample(i)->GetNumber() == number)
                         return SampleRef{b, i};
                 throw py::key_error("the batch has no sample " + std::to_string(number));
             },
             py::arg("number"), "The sample with that number; KeyError when there is none.")
-        .def("__len__", [](const BatchState& b) { return b.samples.GetSamplesCount(); })
+        .def("__len__", [](BatchState& b) { return b.Samples().GetSamplesCount(); })
         .def_property_readonly(
             "read_report",
-            [](const BatchState& b) {
+            [](BatchState& b) {
                 static const char* kinds[] = {"unknown section", "stray block",  "stray block end",
                                               "stray line",      "sample error", "open block"};
                 py::list entries;
-                for (const CReadReport::Entry& e : b.samples.GetReadReport().entries)
+                for (const CReadReport::Entry& e : b.Samples().GetReadReport().entries)
                     entries.append(py::dict(
                         py::arg("kind") = kinds[e.kind], py::arg("name") = Text(e.name.str()),
                         py::arg("offset") = e.offset, py::arg("detail") = Text(e.detail.str())));
@@ -166,8 +166,10 @@ void BindBatch(py::module_& m) {
             "What reading passed over or could not read: dicts of kind, name, offset (bytes from "
             "the start of the file) and detail. Empty for a clean report.")
         .def("__repr__", [](const BatchState& b) {
-            return "<quillon.Batch '" + b.path +
-                   "': " + std::to_string(b.samples.GetSamplesCount()) + " samples>";
+            return "<quillon.Batch '" + b.path + "': " +
+                   (b.busy ? std::string("busy")
+                           : std::to_string(b.samples.GetSamplesCount()) + " samples") +
+                   ">";
         });
 }
 
@@ -298,7 +300,7 @@ void BindAcquisition(py::module_& m) {
         .def_property_readonly(
             "function",
             [](const SpectrumRef& s) {
-                return s.batch->samples.GetSample(s.sample)->GetFunction(s.function)->GetNumber();
+                return FunctionRef{s.batch, s.sample, s.function}.Get().GetNumber();
             },
             "Number of the spectrum's function.")
         .def_property_readonly(
@@ -397,8 +399,18 @@ void BindMetabolite(py::module_& m) {
 
 } // namespace
 
+void BatchState::CheckIdle() const {
+    if (busy)
+        throw std::runtime_error("the batch is busy with an analysis or a save in another thread");
+}
+
+BusyBatch::BusyBatch(BatchState& batch) : m_batch(batch) {
+    if (m_batch.busy.exchange(true))
+        throw std::runtime_error("the batch is busy with an analysis or a save in another thread");
+}
+
 CSampleData& SampleRef::Get() const {
-    CSampleData* sample = batch->samples.GetSample(index);
+    CSampleData* sample = batch->Samples().GetSample(index);
     if (sample == nullptr)
         Gone("sample");
     return *sample;

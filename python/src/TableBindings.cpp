@@ -51,7 +51,7 @@ int FoundCount(CSampleData& sample) {
 }
 
 py::dict SampleColumns(const BatchPtr& batch) {
-    CSamples& samples = batch->samples;
+    CSamples& samples = batch->Samples();
     const int n = samples.GetSamplesCount();
     Columns columns(size_t(n > 0 ? n : 0));
     int* number = columns.Numbers<int>("sample");
@@ -243,7 +243,7 @@ py::dict CorrelationColumns(const SampleRef& ref) {
 // array of one row per metabolite and one column per sample).
 py::tuple Summary(const BatchPtr& batch) {
     CArray<MetaboliteCountInfo> summary;
-    batch->samples.CreateOverallMSSummaryData(summary, -1, -1);
+    batch->Samples().CreateOverallMSSummaryData(summary, -1, -1);
     const int samples = batch->samples.GetSamplesCount();
     py::list names, shifts, numbers;
     for (int i = 0; i < samples; ++i)

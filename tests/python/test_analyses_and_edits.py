@@ -42,6 +42,10 @@ def test_fragment_analysis_matches_the_tool(example_copy, tool):
 
     with pytest.raises(KeyboardInterrupt):
         sample.fragment_analysis(progress=interrupt)
+    # While the analysis runs without the GIL, its batch refuses other callers; afterwards not.
+    with pytest.raises(RuntimeError, match="busy"):
+        sample.fragment_analysis(progress=lambda fraction: sample.metabolites_df())
+    assert len(sample.metabolites_df()) == len(sample.metabolites)
     with pytest.raises(ValueError, match="unknown fragment setting"):
         sample.fragment_analysis(settings={"tolerance": 1})
 
