@@ -103,10 +103,6 @@ std::string FlagsText(const CMetabolicStabilityInfo& info) {
     return text;
 }
 
-py::object NoneUnless(bool valid, double value) {
-    return valid ? py::object(py::float_(value)) : py::object(py::none());
-}
-
 py::dict SeriesRecord(const CMetabolicStabilityInfo& info) {
     const bool t = info.HasHalfLife();
     py::dict record(

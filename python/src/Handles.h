@@ -96,7 +96,22 @@ py::array PointView(const BatchPtr& batch, const TPointArray<Number>& points, in
 // A string of the library as a Python str, undecodable bytes replaced rather than refused.
 py::str Text(const std::string& text);
 
+// None, or the value when it is valid.
+inline py::object NoneUnless(bool valid, double value) {
+    return valid ? py::object(py::float_(value)) : py::object(py::none());
+}
+
+// A text the library hands out through an output argument, as a std::string.
+template <class Get>
+std::string TextOf(Get get) {
+    CString text;
+    get(text);
+    return text.str();
+}
+
 void BindModel(py::module_& module);
+void BindAcquisition(py::module_& module);
+void BindMetabolites(py::module_& module);
 void BindTables(py::module_& module);
 void BindAnalyses(py::module_& module);
 

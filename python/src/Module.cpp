@@ -37,6 +37,8 @@ PYBIND11_MODULE(_quillon, m) {
     py::register_exception<qp::ReadError>(m, "ReadError", PyExc_ValueError);
     qp::InstallHostHooks();
     qp::BindModel(m);
+    qp::BindAcquisition(m);
+    qp::BindMetabolites(m);
     qp::BindTables(m);
     qp::BindAnalyses(m);
     m.def("_read", &qp::Read, py::arg("path"), py::arg("progress") = py::none(),
