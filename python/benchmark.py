@@ -83,7 +83,7 @@ def bench_dask(folder):
         many.with_dask(paths[:2], client)  # workers warm: imports done
         dask = seconds(lambda: many.with_dask(paths, client))
     print(f"dask: {len(paths)} reports, plain loop {loop:.2f} s, 2 workers {dask:.2f} s, "
-          f"speed-up {loop / dask:.2f}x")
+          f"speed-up {loop / dask:.2f}x (load average {os.getloadavg()[0]:.1f} on {os.cpu_count()} cores)")
 
 
 def main():
