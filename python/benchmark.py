@@ -73,17 +73,21 @@ def bench_metabolites(report, runs):
           f"{statistics.median(times):.3f} s ({runs} runs)")
 
 
-def bench_dask(folder):
+def bench_dask(folder, runs):
     spec = importlib.util.spec_from_file_location("many_reports", ROOT / "examples" / "many_reports.py")
     many = importlib.util.module_from_spec(spec)
     spec.loader.exec_module(many)
     paths = many.report_paths(str(folder), "*.txt")
-    loop = seconds(lambda: many.with_loop(paths))
+    loops, dasks = [], []
     with many.dask_client(workers=2) as client:
         many.with_dask(paths[:2], client)  # workers warm: imports done
-        dask = seconds(lambda: many.with_dask(paths, client))
-    print(f"dask: {len(paths)} reports, plain loop {loop:.2f} s, 2 workers {dask:.2f} s, "
-          f"speed-up {loop / dask:.2f}x (load average {os.getloadavg()[0]:.1f} on {os.cpu_count()} cores)")
+        for _ in range(runs):
+            loops.append(seconds(lambda: many.with_loop(paths)))
+            dasks.append(seconds(lambda: many.with_dask(paths, client)))
+    loop, dask = statistics.median(loops), statistics.median(dasks)
+    print(f"dask: {len(paths)} reports, plain loop median {loop:.2f} s, 2 workers median "
+          f"{dask:.2f} s, speed-up {loop / dask:.2f}x ({runs} runs each, interleaved; load average "
+          f"{os.getloadavg()[0]:.1f} on {os.cpu_count()} cores)")
 
 
 def main():
@@ -116,7 +120,7 @@ def main():
             for seed in range(16):
                 generate(f"archive/report{seed}.txt", "--samples", 8, "--points", 20000,
                          "--seed", seed + 1)
-            bench_dask(work / "archive")
+            bench_dask(work / "archive", args.runs)
     return 0
 
 
