@@ -1,7 +1,7 @@
 # Entry points for people and CI. Everything goes through the CMake presets.
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps build test sanitize fuzz fuzz-long fuzz-ci format-check bench demo clean
+.PHONY: all deps build python test sanitize fuzz fuzz-long fuzz-ci format-check bench demo clean
 
 all: build
 
@@ -11,6 +11,12 @@ deps:
 build: deps
 	cmake --preset dev
 	cmake --build --preset dev -j $(JOBS)
+
+# The Python package alone, in build/dev/python (PYTHONPATH=build/dev/python), with the programs
+# its tests compare against; `make build` builds it too.
+python: deps
+	cmake --preset dev
+	cmake --build --preset dev -j $(JOBS) --target _quillon quillon-tool quillon-generate
 
 # Configure, build and run the whole test suite.
 test: build

@@ -92,6 +92,9 @@ public:
     // Copies point index into point; FALSE for an index outside the list.
     BOOL GetPeak(int index, CPeakData& point) const;
     int GetNumPeaks() const { return m_Points.GetSize(); }
+    // The points themselves, time and intensity side by side, for callers that view them in place
+    // (valid while the trace is neither changed nor destroyed).
+    const TPointArray<float>& GetPoints() const { return m_Points; }
 
     // Chromatogram peaks. Each add returns the index of the peak.
     int AddChromatogramPeak();

@@ -110,6 +110,9 @@ public:
     // Copies point index into peak; FALSE outside the list.
     BOOL GetPeak(int index, CPeakData& peak) const;
     int GetNumPeaks() const { return m_points.GetSize(); }
+    // The points themselves, mass and intensity side by side, for callers that view them in place
+    // (valid while the spectrum is neither changed nor destroyed).
+    const TPointArray<double>& GetPoints() const { return m_points; }
     // Resizes the point list; new points are (0, 0).
     void SetNumPeaks(int count) { m_points.SetSize(count); }
 
