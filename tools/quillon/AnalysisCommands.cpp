@@ -1,8 +1,8 @@
 // fragments and stability: the analyses run over a loaded report.
 #include "Commands.h"
 #include "FigureOptions.h"
-#include "StabilityFigure.h"
 #include "RowPrinter.h"
+#include "StabilityFigure.h"
 #include "Svg.h"
 #include "json/ModelRecords.h"
 #include "json/StabilityJson.h"

@@ -32,7 +32,7 @@ struct ToolError : std::runtime_error {
 // The options all subcommands share.
 struct GlobalOptions {
     bool quiet = false;
-    bool strict = false;          // a report with problems is an error, not a warning
+    bool strict = false;  // a report with problems is an error, not a warning
     bool verbose = false; // what the tool does (files read, samples, time) on standard error
     std::string format = "table"; // table, csv or json
     std::string output;           // empty: standard output
