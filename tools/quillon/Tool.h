@@ -87,9 +87,11 @@ void WriteFileAtomically(const std::string& path, const std::string& text);
 void SaveReport(CSamples& samples, const std::string& inPath, const std::string& outPath);
 
 // Runs the fragment analysis of the sample with the neutral-loss list of the settings file
-// (empty: Tarnwick.ini beside the report): a progress bar on a terminal, one line otherwise, none
-// when quiet. Ctrl-C cancels it through the library's cancel hook: throws ToolError "cancelled"
-// with kExitCancelled. Returns the sample's analysis with its results.
+// settingsPath (any name; only read, never written), or of Tarnwick.ini beside the report when
+// settingsPath is empty. A named file that is missing or unreadable throws ToolError naming it; a
+// list without a selected loss, or no file beside the report, is a warning. Progress: a bar on a
+// terminal, one line otherwise, none when quiet. Ctrl-C cancels through the library's cancel hook:
+// throws ToolError "cancelled" with kExitCancelled. Returns the sample's analysis with its results.
 CFragmentAnalysis& RunFragmentAnalysis(CSampleData& sample, const std::string& settingsPath,
                                        const std::string& reportPath, const GlobalOptions& options);
 
