@@ -41,6 +41,26 @@ expect 0 "$quillon" summary "$example" --format json
 python3 -c "import json,sys; rows=json.load(open(sys.argv[1])); assert rows[0]['metabolite']=='Parent'" "$work/out" || fail "summary JSON"
 expect 0 "$quillon" fragments "$example" --sample 4 --format json
 python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert {r['kind'] for r in d} == {'fragment', 'neutral_loss'}" "$work/out" || fail "fragments JSON"
+# --settings names the file itself, whatever its name; it need not be writable; a missing one is
+# an error naming it.
+cp "$(dirname "$example")/Tarnwick.ini" "$work/losses.cfg" && chmod a-w "$work/losses.cfg"
+expect 0 "$quillon" fragments "$example" --sample 4 --format csv --settings "$work/losses.cfg"
+[ "$(grep -c neutral_loss "$work/out")" -gt 0 ] || fail "--settings FILE: no neutral losses read"
+expect 1 "$quillon" fragments "$example" --sample 4 --settings "$work/none.cfg"
+grep -q "none.cfg" "$work/err" || fail "missing settings file not named: $(cat "$work/err")"
+# JSON types: integers are ints, flags booleans, floats read back to the report's float values.
+expect 0 "$quillon" export "$example" --format json -o "$work/model.json"
+python3 - "$work/model.json" <<'PY' || fail "export JSON types"
+import json, re, sys
+raw = open(sys.argv[1]).read()
+d = json.loads(raw)
+m = d["metabolites"][0]
+assert isinstance(m["sample"], int) and isinstance(m["index"], int) and isinstance(m["found"], bool), m
+assert all("function" in r for r in d["spectrum_points"])
+# Points are stored as floats: each prints in its shortest text (73.1402, never 73.14019775390625).
+points = [line for line in raw.splitlines() if '"intensity"' in line]
+assert points and not any(re.search(r"\d\.\d{10,}", line) for line in points), "long float text"
+PY
 expect 0 "$quillon" stability "$example" --format json --plot "$work/stability.svg"
 python3 - "$work/out" <<'PY' || fail "stability half-life"
 import json, sys
