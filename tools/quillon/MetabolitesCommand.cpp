@@ -3,7 +3,7 @@
 #include "MetaboliteRow.h"
 #include "RowPrinter.h"
 
-#include <cmath>
+#include <algorithm>
 #include <memory>
 
 namespace quillon::tool {
@@ -24,63 +24,36 @@ struct MetaboliteOptions {
     bool hideHighEnergy = false;
 };
 
-[[noreturn]] void Usage(const std::string& text) {
-    throw ToolError(text, kExitUsage);
+std::string OptionName(std::string_view key) {
+    std::string name = "--" + std::string(key);
+    std::replace(name.begin(), name.end(), '_', '-');
+    return name;
 }
 
-// A limit the user gave: finite and not negative.
-double Limit(const std::vector<double>& values, size_t index, const char* option) {
-    const double value = values[index];
-    if (!std::isfinite(value) || value < 0.0)
-        Usage(std::string(option) + " takes numbers of 0 or more");
-    return value;
-}
-
-// The browser's filter record from the options; throws a usage error for a negative, reversed
-// or not-a-number setting.
-CDivBroParams FilterParams(const MetaboliteOptions& options) {
+// The browser's filter from the options; throws a usage error for a negative, reversed or
+// not-a-number setting.
+MetaboliteFilter FilterOf(const MetaboliteOptions& options) {
     if (options.sample < 0)
-        Usage("--sample takes a sample number");
-    CDivBroParams params;
-    if (!options.massDefect.empty()) {
-        params.MassDefectFilterOn = true;
-        params.MassDefectUpper = Limit(options.massDefect, 0, "--mass-defect");
-        params.MassDefectLower = options.massDefect.size() > 1
-                                     ? Limit(options.massDefect, 1, "--mass-defect")
-                                     : params.MassDefectUpper;
-        if (params.MassDefectUpper >= 1.0 || params.MassDefectLower >= 1.0)
-            Usage("--mass-defect takes fractions of a dalton below 1");
-    }
-    if (!options.area.empty() && !options.relativeArea.empty())
-        Usage("--area and --relative-area exclude each other");
-    if (!options.area.empty() || !options.relativeArea.empty()) {
-        params.AreaFilterOn = true;
-        params.AreaMode = options.area.empty() ? 1 : 0;
-        params.AreaThreshold =
-            options.area.empty() ? 0.0f : static_cast<float>(Limit(options.area, 0, "--area"));
-        params.RelativeAreaThreshold =
-            options.relativeArea.empty()
-                ? 0.0f
-                : static_cast<float>(Limit(options.relativeArea, 0, "--relative-area"));
-        params.AreaFilterOnExpected = !options.areaUnexpectedOnly;
-    } else if (options.areaUnexpectedOnly) {
-        Usage("--area-unexpected-only needs --area or --relative-area");
-    }
-    if (!options.massError.empty()) {
-        params.MassErrorFilterOn = true;
-        params.MassErrorLimit = Limit(options.massError, 0, "--mass-error");
-    }
-    params.IsotopeFilterOn = options.hideIsotopes;
-    params.ElementalFilterOn = options.withElemental;
-    if (!options.time.empty()) {
-        params.TimeFilterOn = true;
-        params.TimeLow = Limit(options.time, 0, "--time");
-        params.TimeHigh = Limit(options.time, 1, "--time");
-        if (!(params.TimeLow < params.TimeHigh))
-            Usage("--time takes LOW below HIGH");
-    }
-    params.HideHighEnergy = options.hideHighEnergy;
-    return params;
+        throw ToolError("--sample takes a sample number", kExitUsage);
+    auto first = [](const std::vector<double>& values) {
+        return values.empty() ? std::nullopt : std::optional<double>(values.front());
+    };
+    MetaboliteFilter filter;
+    if (!options.massDefect.empty())
+        filter.massDefect = {options.massDefect.back(), options.massDefect.front()};
+    filter.area = first(options.area);
+    filter.relativeArea = first(options.relativeArea);
+    filter.areaUnexpectedOnly = options.areaUnexpectedOnly;
+    filter.massError = first(options.massError);
+    filter.hideIsotopes = options.hideIsotopes;
+    filter.withElemental = options.withElemental;
+    if (!options.time.empty())
+        filter.time = {options.time[0], options.time[1]};
+    filter.hideHighEnergy = options.hideHighEnergy;
+    const std::string problem = FilterProblem(filter, OptionName);
+    if (!problem.empty())
+        throw ToolError(problem, kExitUsage);
+    return filter;
 }
 
 constexpr const char* kDescription =
@@ -139,7 +112,7 @@ void RegisterMetabolites(CLI::App& app, GlobalOptions& options) {
                       "Leave out unexpected metabolites of high-energy functions");
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
-        const CDivBroParams params = FilterParams(*settings);
+        const CDivBroParams params = FilterParams(FilterOf(*settings));
         CSamples samples;
         LoadReport(settings->path, samples, options);
         if (settings->sample != 0)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -140,7 +141,24 @@ TEST_F(RouterTest, MetaboliteFiltersKeepOnlyMatchingRows) {
     EXPECT_LT(strong["metabolites"].size(), all["metabolites"].size());
     for (const nlohmann::json& row : strong["metabolites"])
         EXPECT_TRUE(row["high_energy"] == true) << row.dump();
-
+    // Relative to its group and on unexpected rows only, in a sample with unexpected ones.
+    const std::string fourth = "/api/v1/samples/4/metabolites";
+    auto unexpected = [](const nlohmann::json& rows) {
+        return std::count_if(rows.begin(), rows.end(),
+                             [](const nlohmann::json& row) { return row["kind"] == "unexpected"; });
+    };
+    const nlohmann::json every = Get(fourth)["metabolites"];
+    const nlohmann::json relative =
+        Get(fourth + "?relative_area=50&area_unexpected_only=1&with_elemental=1")["metabolites"];
+    EXPECT_LT(unexpected(relative), unexpected(every));
+    EXPECT_GT(unexpected(relative), 0);
+    for (const nlohmann::json& row : relative) {
+        if (row["kind"] == "unexpected" && row["high_energy"] == false) {
+            EXPECT_GT(row["area_percent"].get<double>(), 50.0) << row.dump();
+            EXPECT_FALSE(
+                Get(fourth + "/" + row["index"].dump() + "/candidates")["candidates"].empty());
+        }
+    }
     const nlohmann::json first = all["metabolites"][0];
     const std::string one = base + "/" + first["index"].dump();
     EXPECT_EQ(Get(one)["metabolite"]["name"], first["name"]);
@@ -204,6 +222,10 @@ TEST_F(RouterTest, BadRequestsAreClearErrors) {
         {"/metabolites?time_low=5", 400},
         {"/metabolites?time_low=6&time_high=5", 400},
         {"/metabolites?hide_high_energy=maybe", 400},
+        {"/metabolites?area=1&relative_area=1", 400},
+        {"/metabolites?area_unexpected_only=1", 400},
+        {"/metabolites?mass_defect_low=1.5&mass_defect_high=0.1", 400},
+        {"/metabolites?mass_error=-1", 400},
         {"/metabolites?area=%zz", 400},
         {"/traces/0", 404},
         {"/traces/1?width=100000000", 400},

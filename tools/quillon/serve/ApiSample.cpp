@@ -65,27 +65,39 @@ nlohmann::json SampleSummary(CSampleData& sample) {
             {"traces", std::move(traces)}};
 }
 
-// The browser's filters from the query: mass_defect_low/high (how far the defect may fall below
-// the nominal mass and rise above it, Da), area, mass_error, time_low/high, hide_high_energy.
+std::string ParameterName(std::string_view key) {
+    if (key == "mass_defect" || key == "time")
+        return "'" + std::string(key) + "_low' and '" + std::string(key) + "_high'";
+    return "'" + std::string(key) + "'";
+}
+
+// The browser's filters from the query: mass_defect_low/high (how far the predicted mass may lie
+// below the next whole mass and above a whole mass, Da), area or relative_area (% of its group),
+// area_unexpected_only, mass_error (mDa), hide_isotopes, with_elemental, time_low/high (min),
+// hide_high_energy. Throws ApiError 400 for a setting the table cannot take.
 MetaboliteFilter FilterOf(const Query& query) {
-    MetaboliteFilter filter;
-    auto range = [&](const char* low, const char* high,
-                     bool ordered) -> std::optional<std::pair<double, double>> {
-        const auto lower = query.Number(low);
-        const auto upper = query.Number(high);
+    auto range = [&](const char* key) -> std::optional<std::pair<double, double>> {
+        const auto lower = query.Number(key + std::string("_low"));
+        const auto upper = query.Number(key + std::string("_high"));
         if (!lower && !upper)
             return std::nullopt;
         if (!lower || !upper)
-            throw ApiError(400, std::string("'") + low + "' and '" + high + "' go together");
-        if (ordered && *lower > *upper)
-            throw ApiError(400, std::string("'") + low + "' must not exceed '" + high + "'");
+            throw ApiError(400, ParameterName(key) + " go together");
         return std::make_pair(*lower, *upper);
     };
-    filter.massDefect = range("mass_defect_low", "mass_defect_high", false);
-    filter.time = range("time_low", "time_high", true);
+    MetaboliteFilter filter;
+    filter.massDefect = range("mass_defect");
     filter.area = query.Number("area");
+    filter.relativeArea = query.Number("relative_area");
+    filter.areaUnexpectedOnly = query.Flag("area_unexpected_only");
     filter.massError = query.Number("mass_error");
+    filter.hideIsotopes = query.Flag("hide_isotopes");
+    filter.withElemental = query.Flag("with_elemental");
+    filter.time = range("time");
     filter.hideHighEnergy = query.Flag("hide_high_energy");
+    const std::string problem = FilterProblem(filter, ParameterName);
+    if (!problem.empty())
+        throw ApiError(400, problem);
     return filter;
 }
 
