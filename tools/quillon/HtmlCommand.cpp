@@ -20,7 +20,7 @@ void RegisterHtml(CLI::App& app, GlobalOptions& options) {
     command->add_option("REPORT", settings->paths, "The report files")->required();
     command->add_option("-o,--output", settings->output, "The HTML file to write")->required();
     command->callback([settings, &options] {
-        serve::ServedReports reports = serve::LoadReports(settings->paths);
+        serve::ServedReports reports = serve::LoadReports(settings->paths, options);
         const std::string page = serve::SnapshotPage(serve::SnapshotAnswers(reports));
         WriteFileAtomically(settings->output, page);
         Note(options,

@@ -115,7 +115,7 @@ void RegisterServe(CLI::App& app, GlobalOptions& options) {
         ->check(CLI::Range(0, 65535));
     command->add_flag("--open", settings->open, "Open the page in the desktop's browser");
     command->callback([settings, &options] {
-        serve::ServedReports reports = serve::LoadReports(settings->paths);
+        serve::ServedReports reports = serve::LoadReports(settings->paths, options);
         httplib::Server server;
         server.set_payload_max_length(64 * 1024);
         // Browsers keep up to six connections open and a worker stays with a connection while it

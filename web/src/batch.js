@@ -33,6 +33,7 @@ export async function renderBatch(view, route) {
     el(
       "div",
       { class: "batch" },
+      problemsNotice(batch.problem_count ?? 0, batch.problems ?? []),
       section(`Samples (${batch.samples.length})`, samples),
       section("Found expected metabolites by sample", heatTable(batch)),
       batch.stability.length ? stabilitySection(batch.stability) : null,
@@ -77,4 +78,18 @@ function stabilitySection(series) {
       el("p", {}, fit), el("div", { class: "pair" }, plotBox, curves), formation);
   });
   return section("Metabolic stability", panels);
+}
+
+// A damaged report is shown as far as it could be read, never silently: what reading passed over
+// or took as a default, as `quillon check` lists it.
+function problemsNotice(count, problems) {
+  if (!count) return null;
+  return el(
+    "details",
+    { class: "panel problems", id: "read-problems" },
+    el("summary", { class: "error" },
+      `This report is damaged: reading found ${count} problem${count === 1 ? "" : "s"}. ` +
+      "Results below may be incomplete."),
+    el("ul", {}, problems.map((p) => el("li", {}, p))),
+  );
 }

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
+#include <fstream>
 #include <thread>
 
 namespace quillon::tool::serve {
@@ -119,6 +121,26 @@ TEST_F(RouterTest, BatchAndSampleAnswersCarryTheModelAndItsVersion) {
     EXPECT_EQ(sample["sample"]["sample"], number);
     EXPECT_FALSE(sample["traces"].empty());
     EXPECT_EQ(sample["version"], batch["version"]);
+}
+
+TEST_F(RouterTest, ADamagedReportIsServedWithWhatReadingPassedOver) {
+    EXPECT_EQ(Get("/api/v1/batch")["problem_count"], 0);
+    std::ifstream example(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt");
+    std::string text((std::istreambuf_iterator<char>(example)), {});
+    const size_t time = text.find("SubjectTime\t") + std::strlen("SubjectTime\t");
+    text.replace(time, text.find('\n', time) - time, "sixty");
+    const std::string path = ::testing::TempDir() + "damaged-report.txt";
+    std::ofstream(path) << text;
+
+    ServedReports damaged = LoadReports({path});
+    Router router{damaged, {kToken, ServedHosts("127.0.0.1", 8765)}};
+    const nlohmann::json batch =
+        nlohmann::json::parse(router.Handle(Request("GET", "/api/v1/batch")).body);
+    EXPECT_EQ(batch["problem_count"], 1);
+    ASSERT_EQ(batch["problems"].size(), 1u);
+    EXPECT_NE(batch["problems"][0].get<std::string>().find("\"SubjectTime\" holds \"sixty\""),
+              std::string::npos)
+        << batch["problems"];
 }
 
 TEST_F(RouterTest, MetaboliteFiltersKeepOnlyMatchingRows) {

@@ -2,6 +2,7 @@
 
 #include "ApiSample.h"
 
+#include "../ReadFindings.h"
 #include "../json/ModelJson.h"
 #include "../json/ModelRecords.h"
 #include "../json/StabilityJson.h"
@@ -65,7 +66,9 @@ nlohmann::json BatchAnswer(CSamples& samples) {
         stability.push_back(StabilityJson(info));
     return {{"samples", std::move(rows)},
             {"summary", std::move(found)},
-            {"stability", std::move(stability)}};
+            {"stability", std::move(stability)},
+            {"problem_count", samples.GetReadReport().ProblemCount()},
+            {"problems", ReadFindings(samples.GetReadReport())}};
 }
 
 } // namespace

@@ -36,14 +36,14 @@ private:
 
 } // namespace
 
-ServedReports LoadReports(const std::vector<std::string>& paths) {
+ServedReports LoadReports(const std::vector<std::string>& paths, const GlobalOptions& options) {
     const TemporaryFolder molfiles;
     InstallServerHooks(molfiles.Path());
     ServedReports reports;
     for (const std::string& path : paths) {
         if (!CMolfile::StartList())
             throw ToolError("cannot write the molfile list in " + molfiles.Path());
-        reports.push_back(std::make_unique<ServedReport>(path, molfiles.Path()));
+        reports.push_back(std::make_unique<ServedReport>(path, molfiles.Path(), options));
     }
     return reports;
 }

@@ -66,9 +66,10 @@ void InstallServerHooks(const std::string& molfileFolder) {
     SetHostHooks(hooks);
 }
 
-ServedReport::ServedReport(const std::string& path, const std::string& molfileFolder)
+ServedReport::ServedReport(const std::string& path, const std::string& molfileFolder,
+                           const GlobalOptions& options)
     : m_path(path) {
-    LoadReport(path, m_samples);
+    LoadReport(path, m_samples, options);
     for (int i = 0; i < m_samples.GetSamplesCount(); ++i) {
         CSampleData& sample = *m_samples.GetSample(i);
         const CString reference = sample.GetMoleculeReference();

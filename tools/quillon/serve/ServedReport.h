@@ -4,6 +4,8 @@
 // is not thread-safe), the model's version, the parent structures read with it, and the fragment
 // analysis jobs of its samples.
 
+#include "../Tool.h"
+
 #include <quillon/quillon.h>
 
 #include <nlohmann/json.hpp>
@@ -32,9 +34,11 @@ enum FragmentJobState { kJobRunning = 0, kJobDone = 1, kJobCancelled = 2, kJobFa
 
 class ServedReport {
 public:
-    // Reads the report (throws ToolError as LoadReport does) and keeps the molfile text of each
-    // sample that embeds one. molfileFolder is where the library extracted them while reading.
-    ServedReport(const std::string& path, const std::string& molfileFolder);
+    // Reads the report (as LoadReport with options does, throwing ToolError) and keeps the molfile
+    // text of each sample that embeds one. molfileFolder is where the library extracted them
+    // while reading.
+    ServedReport(const std::string& path, const std::string& molfileFolder,
+                 const GlobalOptions& options);
     ~ServedReport(); // cancels running jobs and waits for them
     ServedReport(const ServedReport&) = delete;
     ServedReport& operator=(const ServedReport&) = delete;
