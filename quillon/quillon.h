@@ -65,6 +65,7 @@
 #include <quillon/metabolites/MetaboliteData.h>
 #include <quillon/metabolites/MetaboliteDisplay.h>
 #include <quillon/metabolites/MetaboliteNames.h>
+#include <quillon/metabolites/ResultFilter.h>
 
 #include <quillon/document/MetaboliteEdit.h>
 #include <quillon/document/PeakIndex.h>

@@ -74,7 +74,9 @@ class Sample:
     def metabolites(self) -> list[Metabolite]: ...
     def metabolites_df(self, filters: Optional[dict[str, Any]] = None, *,
                        mass_defect: Optional[Tuple[float, float]] = ...,
-                       area: Optional[float] = ..., mass_error: Optional[float] = ...,
+                       area: Optional[float] = ..., relative_area: Optional[float] = ...,
+                       area_unexpected_only: bool = ..., mass_error: Optional[float] = ...,
+                       hide_isotopes: bool = ..., with_elemental: bool = ...,
                        time: Optional[Tuple[float, float]] = ...,
                        hide_high_energy: bool = ...) -> pd.DataFrame:
         """The metabolites, filtered as the browser filters them."""

@@ -46,17 +46,26 @@ def summary_df(self) -> pd.DataFrame:
     return table
 
 
+METABOLITE_FILTERS = {
+    "mass_defect", "area", "relative_area", "area_unexpected_only", "mass_error",
+    "hide_isotopes", "with_elemental", "time", "hide_high_energy",
+}
+
+
 def metabolites_df(self, filters: Optional[dict] = None, **kwargs) -> pd.DataFrame:
     """The sample's metabolites, filtered as the browser filters them.
 
-    Filters (in ``filters`` or as keyword arguments): ``mass_defect=(lower, upper)`` (Da),
-    ``area=minimum``, ``mass_error=ppm``, ``time=(low, high)`` (min),
-    ``hide_high_energy=True``. Columns: sample, index, kind (categorical), name, formula, mz,
+    Filters (in ``filters`` or as keyword arguments), as ``quillon metabolites`` takes them:
+    ``mass_defect=(below, above)`` (Da: how far the predicted mass may lie below the next whole
+    mass and above a whole mass), ``area=minimum`` or ``relative_area=percent`` (of its group),
+    ``area_unexpected_only=True``, ``mass_error=mDa``, ``hide_isotopes=True``,
+    ``with_elemental=True``, ``time=(low, high)`` (min), ``hide_high_energy=True``. A setting
+    the table cannot take (negative, reversed, both area limits) raises ValueError. Columns: sample, index, kind (categorical), name, formula, mz,
     time_min, area, area_percent, mDa, ppm (NaN where the report has none), found, confirmed,
     high_energy, peak_id, trace, function, label.
     """
     chosen = dict(filters or {}, **kwargs)
-    unknown = set(chosen) - {"mass_defect", "area", "mass_error", "time", "hide_high_energy"}
+    unknown = set(chosen) - METABOLITE_FILTERS
     if unknown:
         raise TypeError(f"unknown filter(s): {', '.join(sorted(unknown))}")
     columns = _quillon._metabolite_columns(self, **chosen)
@@ -72,7 +81,7 @@ def elemental_df(self) -> pd.DataFrame:
 
 def correlation_df(self) -> pd.DataFrame:
     """The MS/MS correlation entries of the sample's metabolites: sample, metabolite, entry,
-    masses_matched, neutral_losses_matched, common_neutral_losses."""
+    masses_matched, neutral_losses_matched, common_neutral_losses (lists of numbers)."""
     return pd.DataFrame(_quillon._correlation_columns(self), copy=False)
 
 

@@ -88,44 +88,21 @@ py::dict SampleColumns(const BatchPtr& batch) {
     return columns.Take();
 }
 
-// The browser's result filters from the keyword arguments, as the tool's options set them.
-CDivBroParams Filters(std::optional<std::pair<double, double>> massDefect,
-                      std::optional<double> area, std::optional<double> massError,
-                      std::optional<std::pair<double, double>> time, bool hideHighEnergy) {
-    CDivBroParams params;
-    if (massDefect) {
-        params.MassDefectFilterOn = true;
-        params.MassDefectLower = massDefect->first;
-        params.MassDefectUpper = massDefect->second;
-    }
-    if (area) {
-        params.AreaFilterOn = true;
-        params.AreaFilterOnExpected = true;
-        params.AreaThreshold = static_cast<float>(*area);
-    }
-    if (massError) {
-        params.MassErrorFilterOn = true;
-        params.MassErrorLimit = *massError;
-    }
-    if (time) {
-        params.TimeFilterOn = true;
-        params.TimeLow = time->first;
-        params.TimeHigh = time->second;
-    }
-    params.HideHighEnergy = hideHighEnergy;
-    return params;
+// A filter setting as the keyword argument that sets it.
+std::string KeywordName(std::string_view key) {
+    return std::string(key);
 }
 
 double NumberOrMissing(const CString& text, double value) {
     return text.IsEmpty() ? kMissing : value;
 }
 
-py::dict MetaboliteColumns(const SampleRef& ref,
-                           std::optional<std::pair<double, double>> massDefect,
-                           std::optional<double> area, std::optional<double> massError,
-                           std::optional<std::pair<double, double>> time, bool hideHighEnergy) {
+py::dict MetaboliteColumns(const SampleRef& ref, const CResultFilter& filter) {
+    const std::string problem = ResultFilterProblem(filter, KeywordName);
+    if (!problem.empty())
+        throw py::value_error(problem);
     CSampleData& sample = ref.Get();
-    const CDivBroParams params = Filters(massDefect, area, massError, time, hideHighEnergy);
+    const CDivBroParams params = ResultFilterParams(filter);
     std::vector<int> kept;
     kept.reserve(size_t(sample.GetMetaboliteCount()));
     for (int m = 0; m < sample.GetMetaboliteCount(); ++m)
@@ -217,11 +194,17 @@ py::dict CorrelationColumns(const SampleRef& ref) {
     int* number = columns.Numbers<int>("sample");
     int* metabolite = columns.Numbers<int>("metabolite");
     int* entry = columns.Numbers<int>("entry");
+    // Lists of numbers, as the tool's JSON gives them.
     py::list masses = columns.Texts("masses_matched"),
              losses = columns.Texts("neutral_losses_matched"),
              common = columns.Texts("common_neutral_losses");
     size_t row = 0;
     CString text;
+    std::vector<double> numbers;
+    auto list = [&](py::list& column) {
+        ParseNumberList(text.view(), numbers);
+        column[row] = py::cast(numbers);
+    };
     for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
         const CMetaboliteData& metaboliteData = *sample.GetMetabolite(m);
         for (int e = 0; e < metaboliteData.GetCorrelationEntryCount() && row < rows; ++e, ++row) {
@@ -229,11 +212,11 @@ py::dict CorrelationColumns(const SampleRef& ref) {
             metabolite[row] = m;
             entry[row] = e;
             metaboliteData.GetCorrelationMasses(e, text);
-            masses[row] = Text(text.str());
+            list(masses);
             metaboliteData.GetNeutralLossesFromAllParentSpectrumMassesAt(e, text);
-            losses[row] = Text(text.str());
+            list(losses);
             metaboliteData.GetCommonNeutralLossesAt(e, text);
-            common[row] = Text(text.str());
+            list(common);
         }
     }
     return columns.Take();
@@ -264,10 +247,21 @@ py::tuple Summary(const BatchPtr& batch) {
 
 void BindTables(py::module_& m) {
     m.def("_sample_columns", &SampleColumns);
-    m.def("_metabolite_columns", &MetaboliteColumns, py::arg("sample"),
-          py::arg("mass_defect") = py::none(), py::arg("area") = py::none(),
-          py::arg("mass_error") = py::none(), py::arg("time") = py::none(),
-          py::arg("hide_high_energy") = false);
+    m.def(
+        "_metabolite_columns",
+        [](const SampleRef& sample, std::optional<std::pair<double, double>> massDefect,
+           std::optional<double> area, std::optional<double> relativeArea, bool areaUnexpectedOnly,
+           std::optional<double> massError, bool hideIsotopes, bool withElemental,
+           std::optional<std::pair<double, double>> time, bool hideHighEnergy) {
+            return MetaboliteColumns(sample,
+                                     {massDefect, area, relativeArea, areaUnexpectedOnly, massError,
+                                      hideIsotopes, withElemental, time, hideHighEnergy});
+        },
+        py::arg("sample"), py::arg("mass_defect") = py::none(), py::arg("area") = py::none(),
+        py::arg("relative_area") = py::none(), py::arg("area_unexpected_only") = false,
+        py::arg("mass_error") = py::none(), py::arg("hide_isotopes") = false,
+        py::arg("with_elemental") = false, py::arg("time") = py::none(),
+        py::arg("hide_high_energy") = false);
     m.def("_elemental_columns", &ElementalColumns);
     m.def("_correlation_columns", &CorrelationColumns);
     m.def("_summary", &Summary);

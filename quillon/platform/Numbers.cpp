@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <locale.h>
@@ -98,6 +99,20 @@ double ParseDouble(std::string_view text, size_t& used) {
         return 0.0;
     used = static_cast<size_t>(end - text.data());
     return negative ? -value : value;
+}
+
+void ParseNumberList(std::string_view text, std::vector<double>& numbers) {
+    numbers.clear();
+    while (!text.empty()) {
+        const size_t comma = text.find(',');
+        const std::string_view item = text.substr(0, comma);
+        size_t used = 0;
+        const double number = ParseDouble(item, used);
+        if (used > 0 && std::isfinite(number) &&
+            item.find_first_not_of(" \t", used) == std::string_view::npos)
+            numbers.push_back(number);
+        text = comma == std::string_view::npos ? std::string_view() : text.substr(comma + 1);
+    }
 }
 
 int ParseInt(std::string_view text, size_t& used) {

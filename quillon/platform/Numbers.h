@@ -2,6 +2,7 @@
 
 #include <locale.h>
 #include <string_view>
+#include <vector>
 
 namespace quillon {
 
@@ -25,6 +26,11 @@ int ParseInt(std::string_view text);
 // sign and number that a scan of "%lf" or "%d" would consume.
 double ParseDouble(std::string_view text, size_t& used);
 int ParseInt(std::string_view text, size_t& used);
+
+// The numbers of a comma-separated list as a report stores one, in order, into numbers (cleared
+// first); an item that is not wholly a finite number (blanks around it aside) is left out.
+//   "301.1, 317.2,x, 1e2" gives {301.1, 317.2, 100.0}
+void ParseNumberList(std::string_view text, std::vector<double>& numbers);
 
 // An index made of a count or offset plus a number read from a file, or -1 (an index no array
 // has) when the sum leaves the int range, so that a number at the int limit cannot overflow.

@@ -109,6 +109,13 @@ TEST(Numbers, AgreeWithTheCConversions) {
     EXPECT_EQ(used, 4u);
     EXPECT_EQ(ParseInt(std::string_view("  x"), used), 0);
     EXPECT_EQ(used, 0u);
+
+    // A stored list keeps only its items that are whole finite numbers.
+    std::vector<double> numbers{1.0};
+    ParseNumberList(" 301.1, 317.2,x,12 mg,inf,, -1e2 ,", numbers);
+    EXPECT_EQ(numbers, (std::vector<double>{301.1, 317.2, -100.0}));
+    ParseNumberList("", numbers);
+    EXPECT_TRUE(numbers.empty());
 }
 
 // A host that sets a locale with a decimal comma reads and writes reports exactly as in the "C"

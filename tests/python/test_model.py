@@ -60,9 +60,8 @@ def test_model_matches_the_tools_export(batch, export):
     elemental = pd.concat([s.elemental_df() for s in batch.samples], ignore_index=True)
     assert elemental["formula"].tolist() == [r["formula"] for r in export["elemental"]]
     correlation = pd.concat([s.correlation_df() for s in batch.samples], ignore_index=True)
-    # The module keeps the report's comma-separated text; the tool's JSON has the numbers as a list.
-    as_numbers = [[float(x) for x in t.split(",")] if t else [] for t in correlation["masses_matched"]]
-    assert as_numbers == [r["masses_matched"] or [] for r in export["correlation"]]
+    for column in ["masses_matched", "neutral_losses_matched", "common_neutral_losses"]:
+        assert correlation[column].tolist() == [r[column] for r in export["correlation"]], column
 
 
 def test_points_are_read_only_views_that_keep_the_batch_alive(example):
@@ -104,10 +103,18 @@ def test_filters_match_the_tools_metabolite_filters(batch, tool, example):
     for options, filters in [(["--area", 10000], {"area": 10000}),
                              (["--time", 2, 6], {"time": (2, 6)}),
                              (["--mass-error", 3, "--hide-high-energy"],
-                              {"mass_error": 3, "hide_high_energy": True})]:
+                              {"mass_error": 3, "hide_high_energy": True}),
+                             (["--relative-area", 50, "--area-unexpected-only", "--hide-isotopes",
+                               "--with-elemental", "--mass-defect", 0.3, 0.1],
+                              {"relative_area": 50, "area_unexpected_only": True,
+                               "hide_isotopes": True, "with_elemental": True,
+                               "mass_defect": (0.1, 0.3)})]:
         rows = tool("metabolites", example, "--sample", sample.number, *options)
         table = sample.metabolites_df(**filters)
         assert table["name"].tolist() == [r["name"] for r in rows], options
         assert sample.metabolites_df(filters).equals(table)
     with pytest.raises(TypeError):
         sample.metabolites_df(colour="red")
+    for bad in [{"area": 1, "relative_area": 1}, {"time": (6, 2)}, {"mass_error": -1}]:
+        with pytest.raises(ValueError):
+            sample.metabolites_df(**bad)

@@ -32,13 +32,13 @@ std::string OptionName(std::string_view key) {
 
 // The browser's filter from the options; throws a usage error for a negative, reversed or
 // not-a-number setting.
-MetaboliteFilter FilterOf(const MetaboliteOptions& options) {
+CResultFilter FilterOf(const MetaboliteOptions& options) {
     if (options.sample < 0)
         throw ToolError("--sample takes a sample number", kExitUsage);
     auto first = [](const std::vector<double>& values) {
         return values.empty() ? std::nullopt : std::optional<double>(values.front());
     };
-    MetaboliteFilter filter;
+    CResultFilter filter;
     if (!options.massDefect.empty())
         filter.massDefect = {options.massDefect.back(), options.massDefect.front()};
     filter.area = first(options.area);
@@ -50,7 +50,7 @@ MetaboliteFilter FilterOf(const MetaboliteOptions& options) {
     if (!options.time.empty())
         filter.time = {options.time[0], options.time[1]};
     filter.hideHighEnergy = options.hideHighEnergy;
-    const std::string problem = FilterProblem(filter, OptionName);
+    const std::string problem = ResultFilterProblem(filter, OptionName);
     if (!problem.empty())
         throw ToolError(problem, kExitUsage);
     return filter;
@@ -112,7 +112,7 @@ void RegisterMetabolites(CLI::App& app, GlobalOptions& options) {
                       "Leave out unexpected metabolites of high-energy functions");
     AddOutputOptions(*command, options);
     command->callback([settings, &options] {
-        const CDivBroParams params = FilterParams(FilterOf(*settings));
+        const CDivBroParams params = ResultFilterParams(FilterOf(*settings));
         CSamples samples;
         LoadReport(settings->path, samples, options);
         if (settings->sample != 0)

@@ -21,15 +21,7 @@ void NumberFromText(RecordSink& sink, std::string_view key, std::string_view tex
 // A comma-separated list of numbers as an array; items that are not numbers are left out.
 void NumberList(RecordSink& sink, std::string_view key, const CString& text,
                 std::vector<double>& numbers) {
-    numbers.clear();
-    std::string_view rest = text.view();
-    while (!rest.empty()) {
-        const size_t comma = rest.find(',');
-        double number = 0.0;
-        if (ParseNumberText(rest.substr(0, comma), number))
-            numbers.push_back(number);
-        rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
-    }
+    ParseNumberList(text.view(), numbers);
     sink.Field(key, std::span<const double>(numbers));
 }
 

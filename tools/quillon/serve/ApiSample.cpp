@@ -75,7 +75,7 @@ std::string ParameterName(std::string_view key) {
 // below the next whole mass and above a whole mass, Da), area or relative_area (% of its group),
 // area_unexpected_only, mass_error (mDa), hide_isotopes, with_elemental, time_low/high (min),
 // hide_high_energy. Throws ApiError 400 for a setting the table cannot take.
-MetaboliteFilter FilterOf(const Query& query) {
+CResultFilter FilterOf(const Query& query) {
     auto range = [&](const char* key) -> std::optional<std::pair<double, double>> {
         const auto lower = query.Number(key + std::string("_low"));
         const auto upper = query.Number(key + std::string("_high"));
@@ -85,7 +85,7 @@ MetaboliteFilter FilterOf(const Query& query) {
             throw ApiError(400, ParameterName(key) + " go together");
         return std::make_pair(*lower, *upper);
     };
-    MetaboliteFilter filter;
+    CResultFilter filter;
     filter.massDefect = range("mass_defect");
     filter.area = query.Number("area");
     filter.relativeArea = query.Number("relative_area");
@@ -95,14 +95,14 @@ MetaboliteFilter FilterOf(const Query& query) {
     filter.withElemental = query.Flag("with_elemental");
     filter.time = range("time");
     filter.hideHighEnergy = query.Flag("hide_high_energy");
-    const std::string problem = FilterProblem(filter, ParameterName);
+    const std::string problem = ResultFilterProblem(filter, ParameterName);
     if (!problem.empty())
         throw ApiError(400, problem);
     return filter;
 }
 
 nlohmann::json MetabolitesAnswer(CSampleData& sample, const Query& query) {
-    const CDivBroParams params = FilterParams(FilterOf(query));
+    const CDivBroParams params = ResultFilterParams(FilterOf(query));
     nlohmann::json rows = nlohmann::json::array();
     JsonRowsSink sink(rows);
     for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
