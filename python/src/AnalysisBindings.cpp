@@ -87,34 +87,19 @@ py::dict RunFragmentAnalysis(const SampleRef& ref, std::optional<py::dict> setti
     return FragmentResults(analysis);
 }
 
-// The names of the flags of a stability series, "; " between them, as the tool prints them.
-std::string FlagsText(const CMetabolicStabilityInfo& info) {
-    static const std::pair<int, const char*> names[] = {
-        {CMetabolicStabilityInfo::kNoParent, "no parent"},
-        {CMetabolicStabilityInfo::kNoInitialAmount, "no initial amount"},
-        {CMetabolicStabilityInfo::kTooFewTimePoints, "too few time points"},
-        {CMetabolicStabilityInfo::kNoDecline, "no decline"},
-        {CMetabolicStabilityInfo::kPoorFit, "poor fit"},
-        {CMetabolicStabilityInfo::kOpenInterval, "open interval"}};
-    std::string text;
-    for (const auto& [flag, name] : names)
-        if (info.flags & flag)
-            text += (text.empty() ? "" : "; ") + std::string(name);
-    return text;
-}
-
 py::dict SeriesRecord(const CMetabolicStabilityInfo& info) {
     const bool t = info.HasHalfLife();
-    py::dict record(
-        py::arg("parent") = Text(info.parent.str()),
-        py::arg("process_parameters") = Text(info.processParameters.str()),
-        py::arg("points_used") = info.pointsUsed, py::arg("k_per_min") = info.k,
-        py::arg("k_standard_error") = info.standardErrorK, py::arg("r_squared") = info.rSquared,
-        py::arg("flags") = FlagsText(info), py::arg("half_life_min") = NoneUnless(t, info.halfLife),
-        py::arg("half_life_low_min") = NoneUnless(t, info.halfLifeLow),
-        py::arg("half_life_high_min") = NoneUnless(info.halfLifeHigh > 0, info.halfLifeHigh),
-        py::arg("clint_ul_min_mg") = NoneUnless(t, info.intrinsicClearance),
-        py::arg("scaled_clearance_ml_min_kg") = NoneUnless(t, info.scaledClearance));
+    py::dict record(py::arg("parent") = Text(info.parent.str()),
+                    py::arg("process_parameters") = Text(info.processParameters.str()),
+                    py::arg("points_used") = info.pointsUsed, py::arg("k_per_min") = info.k,
+                    py::arg("k_standard_error") = info.standardErrorK,
+                    py::arg("r_squared") = info.rSquared, py::arg("flags") = info.FlagsText(),
+                    py::arg("half_life_min") = NoneUnless(t, info.halfLife),
+                    py::arg("half_life_low_min") = NoneUnless(t, info.halfLifeLow),
+                    py::arg("half_life_high_min") =
+                        NoneUnless(info.halfLifeHigh > 0, info.halfLifeHigh),
+                    py::arg("clint_ul_min_mg") = NoneUnless(t, info.intrinsicClearance),
+                    py::arg("scaled_clearance_ml_min_kg") = NoneUnless(t, info.scaledClearance));
     py::list points, formation;
     for (const auto& p : info.points)
         points.append(py::dict(py::arg("sample") = p.sampleNumber, py::arg("time_min") = p.time,

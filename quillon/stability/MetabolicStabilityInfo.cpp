@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace quillon {
 
@@ -130,6 +131,20 @@ void CMetabolicStabilityInfo::Evaluate(const std::vector<std::vector<double>>& f
         }
         entry.maximumPercentOfParent = initialAmount > 0.0 ? maximum / initialAmount * 100.0 : 0.0;
     }
+}
+
+std::string CMetabolicStabilityInfo::FlagsText() const {
+    static const std::pair<int, const char*> names[] = {{kNoParent, "no parent"},
+                                                        {kNoInitialAmount, "no initial amount"},
+                                                        {kTooFewTimePoints, "too few time points"},
+                                                        {kNoDecline, "no decline"},
+                                                        {kPoorFit, "poor fit"},
+                                                        {kOpenInterval, "open interval"}};
+    std::string text;
+    for (const auto& [flag, name] : names)
+        if (flags & flag)
+            text += (text.empty() ? "" : "; ") + std::string(name);
+    return text;
 }
 
 bool CMetabolicStabilityInfo::FittedPercentBand(double time, double& line, double& low,

@@ -3,6 +3,7 @@
 #include <quillon/platform/Object.h>
 #include <quillon/platform/String.h>
 
+#include <string>
 #include <vector>
 
 namespace quillon {
@@ -100,6 +101,8 @@ public:
     bool FittedPercentBand(double time, double& line, double& low, double& high) const;
 
     bool Has(Flag flag) const { return (flags & flag) != 0; }
+    // The flags set, in words, "; " between them: "too few time points; poor fit" ("" for none).
+    std::string FlagsText() const;
     // The half-life and clearances are numbers that mean something.
     bool HasHalfLife() const { return halfLife > 0.0; }
 

@@ -147,6 +147,7 @@ TEST(MetabolicStability, MeaninglessSeriesAreFlagged) {
     EXPECT_TRUE(scattered.Has(Info::kPoorFit));
     EXPECT_TRUE(scattered.Has(Info::kOpenInterval));
     EXPECT_EQ(scattered.halfLifeHigh, 0.0);
+    EXPECT_EQ(scattered.FlagsText(), "poor fit; open interval");
 
     // The fitted line in % remaining and its band: on exact data the line passes through the
     // points with no width; on scattered data the band is narrowest at the mean time (45 min),

@@ -152,7 +152,7 @@ void RegisterStability(CLI::App& app, GlobalOptions& options) {
         } else {
             RowPrinter rows(options);
             for (const CMetabolicStabilityInfo& info : fits)
-                StabilityRows(rows, info, StabilityFlagsText(info));
+                StabilityRows(rows, info, info.FlagsText());
             if (!settings->groupBy.empty()) {
                 rows.BeginRow();
                 rows.Put("parent", "mean of " + settings->groupBy + " groups");

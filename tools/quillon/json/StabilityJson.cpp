@@ -1,23 +1,6 @@
 #include "StabilityJson.h"
 
-#include <utility>
-
 namespace quillon::tool {
-
-std::string StabilityFlagsText(const CMetabolicStabilityInfo& info) {
-    std::string text;
-    const std::pair<int, const char*> names[] = {
-        {CMetabolicStabilityInfo::kNoParent, "no parent"},
-        {CMetabolicStabilityInfo::kNoInitialAmount, "no initial amount"},
-        {CMetabolicStabilityInfo::kTooFewTimePoints, "too few time points"},
-        {CMetabolicStabilityInfo::kNoDecline, "no decline"},
-        {CMetabolicStabilityInfo::kPoorFit, "poor fit"},
-        {CMetabolicStabilityInfo::kOpenInterval, "open interval"}};
-    for (const auto& [flag, name] : names)
-        if (info.flags & flag)
-            text += (text.empty() ? "" : "; ") + std::string(name);
-    return text;
-}
 
 nlohmann::json StabilityJson(const CMetabolicStabilityInfo& info) {
     nlohmann::json entry = {{"parent", info.parent.str()},
@@ -26,7 +9,7 @@ nlohmann::json StabilityJson(const CMetabolicStabilityInfo& info) {
                             {"k_per_min", info.k},
                             {"k_standard_error", info.standardErrorK},
                             {"r_squared", info.rSquared},
-                            {"flags", StabilityFlagsText(info)}};
+                            {"flags", info.FlagsText()}};
     auto fit = [](bool valid, double value) {
         return valid ? nlohmann::json(value) : nlohmann::json();
     };

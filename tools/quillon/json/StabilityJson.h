@@ -11,10 +11,6 @@
 
 namespace quillon::tool {
 
-// The series' flags as words joined by "; " ("too few time points; open interval"), empty when
-// the fit is clean.
-std::string StabilityFlagsText(const CMetabolicStabilityInfo& info);
-
 // parent, process_parameters, points_used, k_per_min, k_standard_error, r_squared, flags,
 // half_life_min, half_life_low_min, half_life_high_min, clint_ul_min_mg,
 // scaled_clearance_ml_min_kg (null without a fit), points (sample, time_min, amount,
