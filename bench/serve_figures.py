@@ -1,6 +1,7 @@
 """Figures of the web server on a report: time to the first line (the read), every API answer's
 latency, a concurrent burst, and the time from opening the page to the samples table drawn in
-headless Chromium. Usage: serve_figures.py QUILLON REPORT [--burst 200] [--no-browser]"""
+headless Chromium; the server's peak memory against `quillon info`'s on the same report.
+Usage: serve_figures.py QUILLON REPORT [--burst 200] [--samples N] [--no-browser]"""
 
 import argparse
 import concurrent.futures
@@ -32,10 +33,10 @@ def fetch(base, token, path):
     return time.perf_counter() - started, json.loads(body)
 
 
-def routes(base, token):
-    """Every GET route of every sample, with the first metabolites' details."""
+def routes(base, token, samples):
+    """Every GET route of the first samples (all when None), with the first metabolites' details."""
     paths = ["reports", "batch"]
-    for sample in fetch(base, token, "batch")[1]["samples"]:
+    for sample in fetch(base, token, "batch")[1]["samples"][:samples]:
         s = f"samples/{sample['sample']}"
         paths += [s, f"{s}/metabolites", f"{s}/metabolites?area=1000&time_low=2&time_high=12",
                   f"{s}/peaks", f"{s}/combined/all?width=1000", f"{s}/structure"]
@@ -72,11 +73,29 @@ def page_drawn(address, runs=5):
     return times
 
 
+def peak_rss_mb(pid):
+    """The peak resident memory of a running process (VmHWM)."""
+    with open(f"/proc/{pid}/status") as status:
+        for line in status:
+            if line.startswith("VmHWM:"):
+                return int(line.split()[1]) / 1024
+    return float("nan")
+
+
+def info_peak_rss_mb(quillon, report):
+    """The peak resident memory of `quillon info` on the report."""
+    child = subprocess.Popen([quillon, "-q", "info", report], stdout=subprocess.DEVNULL)
+    _, _, usage = os.wait4(child.pid, 0)
+    return usage.ru_maxrss / 1024
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("quillon")
     parser.add_argument("report")
     parser.add_argument("--burst", type=int, default=200)
+    parser.add_argument("--samples", type=int, default=None,
+                        help="measure the views of the first N samples only")
     parser.add_argument("--no-browser", action="store_true")
     arguments = parser.parse_args()
 
@@ -89,7 +108,7 @@ def main():
     base, token = match.group(1), match.group(2)
     print(f"serve: address printed after {read * 1000:.0f} ms (the read)")
     try:
-        paths = routes(base, token)
+        paths = routes(base, token, arguments.samples)
         latencies = {path: min(fetch(base, token, path)[0] for _ in range(5)) for path in paths}
         slowest = max(latencies, key=latencies.get)
         print(f"API: {len(paths)} answers, median {median_ms(latencies.values()):.1f} ms, "
@@ -117,6 +136,10 @@ def main():
             print(f"html: {os.path.getsize(snapshot) / 1e6:.2f} MB, samples table drawn "
                   f"{drawn[0] * 1000:.0f} ms after opening from disk (cold), median of the next "
                   f"{len(drawn) - 1}: {median_ms(drawn[1:]):.0f} ms")
+        served = peak_rss_mb(server.pid)
+        alone = info_peak_rss_mb(arguments.quillon, arguments.report)
+        print(f"memory: server peak {served:.0f} MB, quillon info {alone:.0f} MB "
+              f"({served / alone:.2f}x)")
     finally:
         server.send_signal(signal.SIGINT)
         server.wait(timeout=10)
