@@ -60,9 +60,11 @@ def metabolites_df(self, filters: Optional[dict] = None, **kwargs) -> pd.DataFra
     mass and above a whole mass), ``area=minimum`` or ``relative_area=percent`` (of its group),
     ``area_unexpected_only=True``, ``mass_error=mDa``, ``hide_isotopes=True``,
     ``with_elemental=True``, ``time=(low, high)`` (min), ``hide_high_energy=True``. A setting
-    the table cannot take (negative, reversed, both area limits) raises ValueError. Columns: sample, index, kind (categorical), name, formula, mz,
-    time_min, area, area_percent, mDa, ppm (NaN where the report has none), found, confirmed,
-    high_energy, peak_id, trace, function, label.
+    the table cannot take (negative, reversed, both area limits) raises ValueError.
+
+    Columns: sample, index, kind (categorical), name, formula, mz, time_min, area,
+    area_percent, mDa, ppm (NaN where the report has none, as the tool's JSON has null), found,
+    confirmed, high_energy, peak_id, trace, function, label.
     """
     chosen = dict(filters or {}, **kwargs)
     unknown = set(chosen) - METABOLITE_FILTERS

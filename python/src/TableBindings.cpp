@@ -134,7 +134,7 @@ py::dict MetaboliteColumns(const SampleRef& ref, const CResultFilter& filter) {
         kind[row] = m.IsMSMSCorrelation() ? 2 : m.IsExpected() ? 0 : 1;
         name[row] = Text(m.GetMetName());
         formula[row] = Text(m.GetFormula());
-        mz[row] = m.GetMzFound();
+        mz[row] = m.GetMzFound() > 0 ? m.GetMzFound() : kMissing;
         peakTime[row] = m.GetPeakTime();
         peakArea[row] = m.GetPeakArea() >= 0 ? m.GetPeakArea() : kMissing;
         areaPercent[row] = m.GetRelativePeakArea() >= 0 ? m.GetRelativePeakArea() : kMissing;
