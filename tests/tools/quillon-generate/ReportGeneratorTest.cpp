@@ -413,32 +413,5 @@ TEST(ReportGeneratorTest, MolfileIsACompleteTwoDimensionalStructureOfTheParent) 
     EXPECT_EQ(hydrogens, 19);
 }
 
-TEST(ReportGeneratorTest, SettingsFileListsNeutralLossesWithTheirExactMasses) {
-    std::ifstream in(Batch().options.iniPath);
-    std::string line;
-    int entries = 0;
-    int selected = 0;
-    while (std::getline(in, line)) {
-        if (line.rfind("Loss ", 0) != 0) {
-            continue;
-        }
-        const std::string value = line.substr(line.find('=') + 1);
-        double mass = 0.0;
-        int isSelected = 0, nameLength = 0, formulaLength = 0;
-        ASSERT_EQ(std::sscanf(value.c_str(), "%lf,%d,%d,%d", &mass, &isSelected, &nameLength,
-                              &formulaLength),
-                  4);
-        const std::string formula = value.substr(value.size() - formulaLength);
-        const std::string name =
-            value.substr(value.size() - formulaLength - 1 - nameLength, nameLength);
-        EXPECT_FALSE(name.empty());
-        EXPECT_NEAR(mass, CFormula::Parse(formula).MonoisotopicMass(), 5e-5) << formula;
-        ++entries;
-        selected += isSelected;
-    }
-    EXPECT_EQ(entries, Batch().summary.neutralLosses);
-    EXPECT_EQ(selected, Batch().summary.selectedNeutralLosses);
-}
-
 } // namespace
 } // namespace quillon::generate
