@@ -23,11 +23,19 @@ const columns = [
   { label: "Found", value: (r) => (r.found ? "yes" : "") },
 ];
 
+// The browser's filters, as the server's metabolites route takes them. The snapshot filters its
+// rows itself and offers only those it can apply (serverOnly marks the others).
 const filterFields = [
   ["mass_defect_low", "Mass defect below (Da)"], ["mass_defect_high", "above (Da)"],
-  ["area", "Area at least"], ["mass_error", "Mass error up to (mDa)"],
-  ["time_low", "RT from (min)"], ["time_high", "to"],
-];
+  ["area", "Area above"], ["relative_area", "Area % above", { serverOnly: true }],
+  ["mass_error", "Mass error up to (mDa)"], ["time_low", "RT from (min)"], ["time_high", "to"],
+].filter(([, , options]) => !(isSnapshot && options?.serverOnly));
+const filterFlags = [
+  ["area_unexpected_only", "Area on unexpected only", { serverOnly: true }],
+  ["hide_isotopes", "Hide isotopes", { serverOnly: true }],
+  ["with_elemental", "With elemental only", { serverOnly: true }],
+  ["hide_high_energy", "Hide high energy"],
+].filter(([, , options]) => !(isSnapshot && options?.serverOnly));
 
 // What the sample view keeps between redraws of the same sample.
 const state = { key: null, filter: {}, sort: { key: "index", up: true }, rows: [], percent: false };
@@ -46,7 +54,7 @@ function layout(route) {
   const form = el("form", { class: "filters", id: "filters", onsubmit: (e) => { e.preventDefault(); applyFilter(route, e.target); } },
     filterFields.map(([name, label]) =>
       el("label", {}, label, el("input", { name, type: "number", step: "any", inputmode: "decimal", size: 6 }))),
-    el("label", {}, el("input", { name: "hide_high_energy", type: "checkbox" }), "Hide high energy"),
+    filterFlags.map(([name, label]) => el("label", {}, el("input", { name, type: "checkbox" }), label)),
     el("button", { type: "submit" }, "Apply"),
     el("button", { type: "reset", onclick: () => setTimeout(() => applyFilter(route, form)) }, "Clear"));
   const percent = el("label", { class: "percent" }, el("input", {
@@ -60,7 +68,7 @@ function layout(route) {
 async function applyFilter(route, form) {
   const filter = {};
   for (const [name] of filterFields) if (form.elements[name].value !== "") filter[name] = form.elements[name].value;
-  if (form.elements.hide_high_energy.checked) filter.hide_high_energy = "1";
+  for (const [name] of filterFlags) if (form.elements[name].checked) filter[name] = "1";
   state.filter = filter;
   await loadRows(route);
 }
