@@ -261,10 +261,12 @@ void PanelWriter::Layout() {
     for (double tick : m_y.Ticks())
         widest = std::max(widest, TextWidth(m_y.Text(tick), kTickFont));
     const double left = m_area.left + widest + 34;
-    // Sticks and points at the ends of the range stand clear of the axes.
+    // Sticks and points at the ends of the range stand clear of the axes, but the margin never
+    // takes a range of times or masses below zero (which would round it out to a whole step).
     const double xMargin =
         m_chart.sticks.empty() && m_chart.points.empty() ? 0 : (xHigh - xLow) * 0.03;
-    m_x = Axis::Of(xLow - xMargin, xHigh + xMargin, m_area.right - 24 - left, false, false);
+    const double xFrom = xLow >= 0 ? std::max(0.0, xLow - xMargin) : xLow - xMargin;
+    m_x = Axis::Of(xFrom, xHigh + xMargin, m_area.right - 24 - left, false, false);
     m_plot = Box{left, top, m_area.right - 24, m_area.bottom - 52};
 }
 
