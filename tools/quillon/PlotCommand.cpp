@@ -142,7 +142,7 @@ Chart SpectrumChart(CSampleData& sample, int peakID, int functionNumber, const s
     chart.title = where + ": spectrum of peak " + std::to_string(peakID) +
                   (metabolite != nullptr ? std::string(", ") + metabolite->GetMetName() : "") +
                   ", function " + std::to_string(function->GetNumber()) +
-                  (description.IsEmpty() ? "" : " (" + description.str() + ")");
+                  (description.IsEmpty() ? "" : ": " + description.str());
     chart.xLabel = "m/z";
     CPeakData point;
     double base = 0;
