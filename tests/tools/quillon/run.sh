@@ -73,7 +73,7 @@ expect 0 "$quillon" plot "$example" --sample 4 --fragments -o "$work/fragments.s
 # Standard output by default and for -o -; the figures' layout is the browser test's
 # (test_figures.py).
 expect 0 "$quillon" plot "$example" --sample 4 --spectrum 1 --function 2 -o - --size 640x400
-grep -q 'function 2 (TOF MSe' "$work/out" && tail -1 "$work/out" | grep -qx "</svg>" || fail "plot -o - did not write the figure"
+grep -q 'function 2: TOF MSe' "$work/out" && tail -1 "$work/out" | grep -qx "</svg>" || fail "plot -o - did not write the figure"
 for svg in trace fragments stability; do
     xmllint --noout "$work/$svg.svg" 2>/dev/null || fail "$svg.svg is not well-formed"
 done
