@@ -67,7 +67,7 @@ void InstallServerHooks(const std::string& molfileFolder) {
 }
 
 ServedReport::ServedReport(const std::string& path, const std::string& molfileFolder)
-    : m_path(path) {
+    : m_path(path), m_review(path) {
     LoadReport(path, m_samples);
     for (int i = 0; i < m_samples.GetSamplesCount(); ++i) {
         CSampleData& sample = *m_samples.GetSample(i);
@@ -88,10 +88,6 @@ ServedReport::~ServedReport() {
         if (job->worker.joinable())
             job->worker.join();
     }
-}
-
-std::string ServedReport::Name() const {
-    return std::filesystem::path(m_path).filename().string();
 }
 
 std::string ServedReport::Molfile(int sampleNumber) const {

@@ -4,6 +4,8 @@
 // is not thread-safe), the model's version, the parent structures read with it, and the fragment
 // analysis jobs of its samples.
 
+#include "ReportReview.h"
+
 #include <quillon/quillon.h>
 
 #include <nlohmann/json.hpp>
@@ -40,8 +42,11 @@ public:
     ServedReport& operator=(const ServedReport&) = delete;
 
     const std::string& Path() const { return m_path; }
-    // The file name shown on the page.
-    std::string Name() const;
+    // The file name shown on the page: the report's, or the one it was last saved as.
+    std::string Name() const { return m_review.Name(); }
+
+    // The review of the report's model: use it inside WithSamples, except where ReportReview says.
+    ReportReview& Review() { return m_review; }
 
     // Runs access with the model locked; access receives the samples.
     template <class Access>
@@ -65,6 +70,7 @@ private:
     void RunJob(int sampleNumber, FragmentJob& job);
 
     std::string m_path;
+    ReportReview m_review;
     CSamples m_samples;
     std::mutex m_mutex;
     std::atomic<long long> m_version{1};
