@@ -132,7 +132,6 @@ void ServedReport::RunJob(int sampleNumber, FragmentJob& job) {
                           {"analysed", done || analysis.HasNeutralLosses()},
                           {"parent_mz", JsonNumber(analysis.GetParentMass())}};
             job.progress = 1.0;
-            Changed();
             job.state = kJobDone;
         });
     } catch (const std::exception& error) {

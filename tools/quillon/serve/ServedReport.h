@@ -54,7 +54,9 @@ public:
         const std::lock_guard<std::mutex> lock(m_mutex);
         return access(m_samples);
     }
-    // Counts up each time the model changes, so that a page can tell a stale view.
+    // Counts up each time a reviewer's change (or its undo) alters the model, so that a change
+    // made from a stale view is refused. The fragment analysis adds results beside what is
+    // reviewed and leaves it alone.
     long long Version() const { return m_version.load(); }
     void Changed() { ++m_version; }
 
