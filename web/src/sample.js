@@ -175,7 +175,8 @@ function labelKey(event) {
   const input = event.target;
   if (event.key !== "Enter" && event.key !== "Escape") return;
   event.preventDefault();
-  if (event.key === "Enter") reviewSelected({ label: input.value });
+  const row = state.rows.find((r) => r.index === parseRoute().metabolite);
+  if (event.key === "Enter" && row && input.value !== (row.label ?? "")) reviewSelected({ label: input.value });
   input.hidden = true;
   document.getElementById("metabolites").focus();
 }

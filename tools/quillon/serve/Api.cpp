@@ -96,7 +96,9 @@ nlohmann::json ApiAnswer(ServedReports& reports, const std::string& method, std:
         throw ApiError(404, "no such resource: /api/v1/" + std::string(path));
     }
     answer["report"] = index;
-    answer["version"] = report.Version();
+    // A change's answer names the version it produced, taken with the model still locked.
+    if (!answer.contains("version"))
+        answer["version"] = report.Version();
     return answer;
 }
 

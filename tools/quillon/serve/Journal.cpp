@@ -137,7 +137,6 @@ std::optional<JournalContents> Journal::Read() const {
     }
     if (header)
         return std::nullopt;
-    contents.cutShort = contents.wholeBytes < text->size();
     return contents;
 }
 

@@ -28,7 +28,6 @@ struct JournalContents {
     ReportIdentity identity;
     std::vector<nlohmann::json> entries;
     std::uintmax_t wholeBytes = 0; // the header and the entries, up to the end of the last one
-    bool cutShort = false;         // something after the last whole entry was left out
 };
 
 // The journal is held by another running server.

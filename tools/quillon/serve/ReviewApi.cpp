@@ -142,6 +142,7 @@ nlohmann::json Operate(ServedReport& report, const ChangeRequest& request,
         if (changed)
             answer["changed"] = Changed(samples, review, *changed);
         answer["review"] = review.State();
+        answer["version"] = report.Version();
         return answer;
     });
 }
