@@ -2,6 +2,7 @@
 
 #include "EditJson.h"
 #include "Query.h"
+#include "TemporaryFolder.h"
 
 #include "../Tool.h"
 
@@ -22,29 +23,17 @@ namespace {
 // fd), so that the writer copies the content read even after the file was replaced on disk.
 class OriginalLink {
 public:
-    OriginalLink(int fd, const std::string& name) {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "quillon-original-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr)
-            throw ApiError(500,
-                           std::string("cannot make a temporary folder: ") + std::strerror(errno));
-        m_folder = pattern;
-        m_path = m_folder + "/" + name;
+    OriginalLink(int fd, const std::string& name) : m_folder("quillon-original") {
+        m_path = m_folder.Path() + "/" + name;
         const std::string target = "/proc/self/fd/" + std::to_string(fd);
         if (::symlink(target.c_str(), m_path.c_str()) != 0)
             throw ApiError(500, "cannot reach the report as it was read: " +
                                     std::string(std::strerror(errno)));
     }
-    ~OriginalLink() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-    OriginalLink(const OriginalLink&) = delete;
-    OriginalLink& operator=(const OriginalLink&) = delete;
     const std::string& Path() const { return m_path; }
 
 private:
-    std::string m_folder;
+    TemporaryFolder m_folder;
     std::string m_path;
 };
 
