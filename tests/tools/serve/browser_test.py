@@ -13,6 +13,7 @@ import urllib.request
 
 import pytest
 from selenium import webdriver
+from selenium.common.exceptions import StaleElementReferenceException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
@@ -165,6 +166,12 @@ def test_snapshot_opens_from_disk(server, browser):
     assert console_errors(browser) == []
 
 
+def until(driver, condition, timeout=5):
+    """Waits for condition, looking again when a row it read was redrawn meanwhile."""
+    return WebDriverWait(driver, timeout, ignored_exceptions=[StaleElementReferenceException]) \
+        .until(condition)
+
+
 def selected_cells(driver):
     row = driver.find_element(By.CSS_SELECTOR, "#metabolite-table tr.selected")
     return row, [cell.text for cell in row.find_elements(By.TAG_NAME, "td")]
@@ -196,7 +203,7 @@ def test_review_with_the_keyboard_and_save(review_copy, browser):
     walk_to_a_metabolite(browser)
     table = browser.find_element(By.CSS_SELECTOR, "#metabolites")
     table.send_keys("c")
-    WebDriverWait(browser, 5).until(lambda d: selected_cells(d)[1][2] == "✓")
+    until(browser, lambda d: selected_cells(d)[1][2] == "✓")
     row, cells = selected_cells(browser)
     assert "edited" in row.get_attribute("class")
     assert browser.find_element(By.ID, "unsaved").text == "1 unsaved change"
@@ -204,11 +211,11 @@ def test_review_with_the_keyboard_and_save(review_copy, browser):
     table.send_keys("l")
     label = browser.find_element(By.ID, "label-input")
     label.send_keys("N-oxide, checked" + Keys.ENTER)
-    WebDriverWait(browser, 5).until(lambda d: selected_cells(d)[1][3] == "N-oxide, checked")
+    until(browser, lambda d: selected_cells(d)[1][3] == "N-oxide, checked")
     table.send_keys(Keys.CONTROL, "z")
-    WebDriverWait(browser, 5).until(lambda d: selected_cells(d)[1][3] == "")
+    until(browser, lambda d: selected_cells(d)[1][3] == "")
     table.send_keys(Keys.CONTROL, Keys.SHIFT, "z")
-    WebDriverWait(browser, 5).until(lambda d: selected_cells(d)[1][3] == "N-oxide, checked")
+    until(browser, lambda d: selected_cells(d)[1][3] == "N-oxide, checked")
     assert browser.find_element(By.ID, "unsaved").text == "2 unsaved changes"
 
     # Leaving with unsaved changes asks first. Headless Chromium answers the question itself
@@ -219,7 +226,7 @@ def test_review_with_the_keyboard_and_save(review_copy, browser):
     browser.save_screenshot(os.path.join(OUTPUT, "review-light.png"))
 
     table.send_keys(Keys.CONTROL, "s")
-    WebDriverWait(browser, 5).until(
+    until(browser, 
         lambda d: d.find_element(By.ID, "saved-at").text.startswith("Saved batch.txt at"))
     assert browser.find_element(By.ID, "unsaved").text == "No unsaved changes"
     assert not browser.execute_script(leaving)
