@@ -140,7 +140,7 @@ export function drawCandidates(route, candidates) {
           tr.parentNode.querySelectorAll("tr.selected").forEach((other) => other.classList.remove("selected"));
           tr.classList.add("selected");
           if (button) button.disabled = false;
-          document.getElementById("candidates").focus();
+          document.getElementById("candidates").focus({ preventScroll: true });
         });
       },
     })
