@@ -149,6 +149,9 @@ def test_snapshot_opens_from_disk(server, browser):
     walk_to_a_metabolite(browser)
     wait_for(browser, "#fragments-list tbody tr")
     assert not browser.find_element(By.ID, "fragments-run").is_displayed()
+    # A snapshot is read-only: no review controls.
+    assert not browser.find_element(By.ID, "review").is_displayed()
+    assert not browser.find_elements(By.CSS_SELECTOR, "#confirm, #delete-candidate")
 
     # The snapshot filters its rows itself: the same rows as the server's filter.
     sample = re.search(r"/s/(\d+)", browser.current_url).group(1)
