@@ -6,7 +6,9 @@
 import { ApiError, change, get, isSnapshot } from "./api.js";
 import { el } from "./dom.js";
 
-const review = { report: null, state: null, version: null, busy: false };
+const review = { report: null, state: null, version: null };
+// Changes go out one after another, each made against the version the one before produced.
+let queue = Promise.resolve();
 
 const clock = (iso) => new Date(iso).toLocaleTimeString([], { hour: "2-digit", minute: "2-digit" });
 
@@ -25,11 +27,15 @@ export async function startReview(report) {
   show(answer.review);
 }
 
-// Sends a change; draws what it changed. Resolves to the answer, or null when it was refused (the
-// reason shown).
-export async function send(method, path, body = {}) {
-  if (review.busy) return null;
-  review.busy = true;
+// Sends a change after those already sent; draws what it changed. Resolves to the answer, or null
+// when it was refused (the reason shown).
+export function send(method, path, body = {}) {
+  const sent = queue.then(() => sendNow(method, path, body));
+  queue = sent;
+  return sent;
+}
+
+async function sendNow(method, path, body) {
   try {
     const answer = await change(method, path, review.report, { ...body, version: review.version });
     review.version = answer.version;
@@ -39,8 +45,6 @@ export async function send(method, path, body = {}) {
   } catch (error) {
     refused(error);
     return null;
-  } finally {
-    review.busy = false;
   }
 }
 
