@@ -249,6 +249,7 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
 
     ServedReports copy = LoadReports({(m_folder / "reviewed.txt").string()});
     EXPECT_EQ(ModelExport(*copy[0]), relabelled);
+    EXPECT_EQ(Slurp(m_folder / "reviewed.txt").find("another program"), std::string::npos);
 }
 
 // Runs save in a child process limited by limit, and answers its HTTP status (0 when the limit
