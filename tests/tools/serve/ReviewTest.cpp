@@ -209,6 +209,14 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
     EXPECT_FALSE(fs::exists(Journal()));
     EXPECT_EQ(ModelExport(*m_reports[0]), original);
     Send("POST", "/api/v1/journal/apply", 409);
+
+    // A journal that cannot be read is neither offered nor written after.
+    std::ofstream(Journal()) << "not a journal\n";
+    Serve();
+    EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
+    Send("PATCH", Metabolite(m), 500, {{"confirmed", false}});
+    EXPECT_EQ(Slurp(Journal()), "not a journal\n");
+    EXPECT_EQ(ModelExport(*m_reports[0]), original);
 }
 
 TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {

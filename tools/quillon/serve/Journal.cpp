@@ -159,6 +159,12 @@ void Journal::Append(const nlohmann::json& entry, const ReportIdentity& identity
     struct stat status {};
     if (::fstat(m_fd, &status) != 0)
         Fail("cannot examine the journal " + m_path);
+    // A journal this server neither wrote nor resumed is one it could not read (Read gave none):
+    // it is left alone rather than written after.
+    if (status.st_size > 0 && !m_continuing)
+        throw ToolError("the journal " + m_path +
+                        " holds changes this server cannot read: move it "
+                        "elsewhere to go on");
     std::string text;
     if (status.st_size == 0) {
         const std::string name = std::filesystem::path(m_path).filename().string();
@@ -177,20 +183,33 @@ void Journal::Append(const nlohmann::json& entry, const ReportIdentity& identity
         errno = reason;
         Fail("cannot write the journal " + m_path);
     }
+    m_continuing = true;
 }
 
 void Journal::Resume(const JournalContents& contents) {
     Open(0);
     if (::ftruncate(m_fd, off_t(contents.wholeBytes)) != 0)
         Fail("cannot write the journal " + m_path);
+    m_continuing = true;
 }
 
 void Journal::Remove() {
+    if (m_fd < 0) {
+        const int fd = ::open(m_path.c_str(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            return;
+        if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+            ::close(fd); // another running server's
+            return;
+        }
+        m_fd = fd;
+    }
     if (::unlink(m_path.c_str()) != 0 && errno != ENOENT)
         Fail("cannot remove the journal " + m_path);
     if (m_fd >= 0)
         ::close(m_fd);
     m_fd = -1;
+    m_continuing = false;
 }
 
 } // namespace quillon::tool::serve

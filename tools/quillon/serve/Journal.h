@@ -50,12 +50,14 @@ public:
     std::optional<JournalContents> Read() const;
 
     // Appends entry as one line, the header naming identity first when the journal is new.
-    // Throws ToolError with the system's reason (the journal as it was) when it cannot be written,
-    // JournalBusy when another server holds it.
+    // Throws ToolError with the system's reason (the journal as it was) when it cannot be written
+    // or holds lines this server did not write or resume, JournalBusy when another server holds
+    // it.
     void Append(const nlohmann::json& entry, const ReportIdentity& identity);
     // Continues the journal that Read gave: cuts off what followed its last whole entry.
     void Resume(const JournalContents& contents);
-    // Removes the journal (after a save, or when its changes are discarded).
+    // Removes the journal (after a save, or when its changes are discarded), unless another
+    // running server holds it.
     void Remove();
 
 private:
@@ -63,6 +65,7 @@ private:
 
     std::string m_path;
     int m_fd = -1;
+    bool m_continuing = false; // the journal holds this server's lines (written or resumed)
 };
 
 // The time now as "2026-11-25T14:03:12Z".
