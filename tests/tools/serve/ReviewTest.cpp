@@ -182,6 +182,22 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
     Send("POST", "/api/v1/undo", 200);
     const nlohmann::json reviewed = ModelExport(*m_reports[0]);
     ASSERT_TRUE(fs::exists(Journal()));
+    // A second server of the report meanwhile neither offers this server's changes nor makes its
+    // own.
+    ServedReports second = LoadReports({m_report.string()});
+    second[0]->WithSamples([&](CSamples& samples) {
+        EXPECT_TRUE(second[0]->Review().State()["journal"].is_null());
+        CMetaboliteEdit confirm;
+        confirm.sample = kSample;
+        confirm.metabolite = m;
+        try {
+            second[0]->Review().Edit(samples, confirm);
+            ADD_FAILURE() << "the second server changed the report";
+        } catch (const ApiError& error) {
+            EXPECT_EQ(error.status, 409) << error.what();
+        }
+    });
+    second.clear();
     // A crash in the middle of a line leaves a cut-off line at the end.
     std::ofstream(Journal(), std::ios::app) << "{\"time\":\"2026-11-25T14:0";
 
