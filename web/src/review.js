@@ -52,7 +52,7 @@ function refused(error) {
   if (error instanceof ApiError && error.status === 409 && error.body.stale) {
     banner("Another tab changed this report since this page loaded it.",
       el("button", { onclick: () => location.reload() }, "Refresh"));
-  } else if (error instanceof ApiError && error.status === 409 && /Save as/.test(error.message)) {
+  } else if (error instanceof ApiError && error.body.changed_on_disk) {
     banner(error.message, el("button", { onclick: askName }, "Save as…"));
   } else {
     document.getElementById("status").textContent = error.message;
@@ -116,7 +116,7 @@ async function saveAs(name, replace = false) {
     document.getElementById("save-as-name").hidden = true;
     document.getElementById("review-banner").hidden = true;
   } catch (error) {
-    if (error instanceof ApiError && error.status === 409 && /exists/.test(error.message) &&
+    if (error instanceof ApiError && error.body.exists &&
         window.confirm(`${name} exists. Replace it?`)) return saveAs(name, true);
     refused(error);
   }

@@ -82,18 +82,17 @@ async function applyFilter(route, form) {
 
 async function loadRows(route) {
   const status = document.getElementById("status");
-  let answer = null;
   try {
     if (isSnapshot) {
       const all = await get(`samples/${route.sample}/metabolites`, route.report);
       state.rows = filterRows(all.metabolites, state.filter);
       state.total = all.total;
     } else {
-      answer = await get(`samples/${route.sample}/metabolites`, route.report, state.filter);
+      const answer = await get(`samples/${route.sample}/metabolites`, route.report, state.filter);
       state.rows = answer.metabolites;
       state.total = answer.total;
+      setVersion(route.report, answer.version);
     }
-    if (!isSnapshot) setVersion(route.report, answer.version);
     status.textContent = "";
   } catch (error) {
     status.textContent = error.message;

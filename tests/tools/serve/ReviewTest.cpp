@@ -259,12 +259,13 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     }
     fs::rename(m_folder / "other.txt", m_report);
     const std::string replaced = Slurp(m_report);
-    EXPECT_NE(Send("POST", "/api/v1/save", 409)["error"].get<std::string>().find("Save as"),
-              std::string::npos);
+    EXPECT_EQ(Send("POST", "/api/v1/save", 409)["changed_on_disk"], true);
     EXPECT_EQ(Slurp(m_report), replaced);
     Send("POST", "/api/v1/save-as", 400, {{"name", "../outside.txt"}});
     Send("POST", "/api/v1/save-as", 400, {{"name", ".hidden"}});
-    Send("POST", "/api/v1/save-as", 409, {{"name", "batch.txt"}, {"replace", false}});
+    std::ofstream(m_folder / "taken.txt") << "another file\n";
+    EXPECT_EQ(Send("POST", "/api/v1/save-as", 409, {{"name", "taken.txt"}})["exists"], true);
+    EXPECT_EQ(Slurp(m_folder / "taken.txt"), "another file\n");
     answer = Send("POST", "/api/v1/save-as", 200, {{"name", "reviewed.txt"}});
     EXPECT_EQ(answer["review"]["file"], "reviewed.txt");
     EXPECT_EQ(answer["review"]["unsaved"], 0);

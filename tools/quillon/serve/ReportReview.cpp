@@ -197,10 +197,13 @@ void ReportReview::SaveTo(CSamples& samples, const std::string& readFrom,
 
 void ReportReview::Save(CSamples& samples) {
     RequireEditable();
-    if (!UnchangedOnDisk())
-        throw ApiError(409, Name() + " changed on disk since it was read (another program or a "
-                                     "second server wrote it): saving over it would lose that. "
-                                     "Save as a new file instead.");
+    if (!UnchangedOnDisk()) {
+        ApiError changed(409, Name() + " changed on disk since it was read (another program or "
+                                       "a second server wrote it): saving over it would lose "
+                                       "that. Save as a new file instead.");
+        changed.details = {{"changed_on_disk", true}};
+        throw changed;
+    }
     SaveTo(samples, m_path, m_path);
 }
 
@@ -214,8 +217,11 @@ void ReportReview::SaveAs(CSamples& samples, const std::string& name, bool repla
     if (target == std::filesystem::path(m_path).lexically_normal().string())
         return Save(samples);
     std::error_code error;
-    if (!replace && std::filesystem::exists(target, error))
-        throw ApiError(409, name + " exists already");
+    if (!replace && std::filesystem::exists(target, error)) {
+        ApiError exists(409, name + " exists already");
+        exists.details = {{"exists", true}};
+        throw exists;
+    }
     if (UnchangedOnDisk())
         return SaveTo(samples, m_path, target);
     // Replaced on disk: the report as read is still open, unless it was overwritten in place.

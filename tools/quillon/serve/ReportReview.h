@@ -47,13 +47,14 @@ public:
     CMetaboliteEdit Undo(CSamples& samples);
     CMetaboliteEdit Redo(CSamples& samples);
 
-    // Saves over the report: 409 when it changed on disk since it was read, 500 with the system's
-    // reason when writing fails (the report byte for byte as it was, the changes and the journal
-    // kept). A save clears the changes and removes the journal.
+    // Saves over the report: 409 ("changed_on_disk") when it changed on disk since it was read,
+    // 500 with the system's reason when writing fails (the report byte for byte as it was, the
+    // changes and the journal kept). A save clears the changes and removes the journal.
     void Save(CSamples& samples);
     // Saves as name, a new file in the report's folder ("batch-reviewed.txt": no folder), which
     // the review then continues in. 400 for a bad name, 409 when the file exists and replace is
-    // false, or when the report was overwritten in place so that its content as read is gone.
+    // false ("exists"), or when the report was overwritten in place so that its content as read is
+    // gone.
     void SaveAs(CSamples& samples, const std::string& name, bool replace);
 
     // Replays the journal a previous server left, so that the model is as that server had it; 409
