@@ -226,13 +226,23 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
     EXPECT_EQ(ModelExport(*m_reports[0]), original);
     Send("POST", "/api/v1/journal/apply", 409);
 
-    // A journal that cannot be read is neither offered nor written after.
-    std::ofstream(Journal()) << "not a journal\n";
+    // A journal that cannot be read is neither offered nor written after; a line that is no change
+    // ends it.
+    for (const char* damaged :
+         {"not a journal\n", "{\"journal\":\"1\",\"size\":-4}\n", "{\"journal\":1}\n"}) {
+        std::ofstream(Journal()) << damaged;
+        Serve();
+        EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
+        Send("PATCH", Metabolite(m), 500, {{"confirmed", false}});
+        EXPECT_EQ(Slurp(Journal()), damaged);
+        EXPECT_EQ(ModelExport(*m_reports[0]), original);
+    }
+    // A journal without a whole change holds nothing to offer, and goes.
+    std::ofstream(Journal()) << "{\"journal\":1,\"size\":1,\"modified_ns\":2,\"hash\":\"3\"}\n"
+                             << "{\"op\":\"undo\",\"time\":12}\n";
     Serve();
     EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
-    Send("PATCH", Metabolite(m), 500, {{"confirmed", false}});
-    EXPECT_EQ(Slurp(Journal()), "not a journal\n");
-    EXPECT_EQ(ModelExport(*m_reports[0]), original);
+    EXPECT_FALSE(fs::exists(Journal()));
 }
 
 TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {

@@ -36,14 +36,26 @@ nlohmann::json Header(const std::string& name, const ReportIdentity& identity) {
             {"hash", Hex(identity.hash)}};
 }
 
+// The member name of object when it is of the kind is (nlohmann::json::is_string, ...), else null.
+const nlohmann::json* Member(const nlohmann::json& object, const char* name,
+                             bool (nlohmann::json::*is)() const noexcept) {
+    const auto found = object.find(name);
+    return found != object.end() && ((*found).*is)() ? &*found : nullptr;
+}
+
 std::optional<ReportIdentity> IdentityOfHeader(const nlohmann::json& header) {
-    if (!header.is_object() || header.value("journal", 0) != 1 || !header["size"].is_number() ||
-        !header["modified_ns"].is_number() || !header["hash"].is_string())
+    if (!header.is_object())
+        return std::nullopt;
+    const auto* journal = Member(header, "journal", &nlohmann::json::is_number_integer);
+    const auto* size = Member(header, "size", &nlohmann::json::is_number_unsigned);
+    const auto* modified = Member(header, "modified_ns", &nlohmann::json::is_number_integer);
+    const auto* hash = Member(header, "hash", &nlohmann::json::is_string);
+    if (journal == nullptr || *journal != 1 || !size || !modified || !hash)
         return std::nullopt;
     ReportIdentity identity;
-    identity.size = header["size"].get<std::uintmax_t>();
-    identity.modifiedNs = header["modified_ns"].get<std::int64_t>();
-    identity.hash = std::strtoull(header["hash"].get<std::string>().c_str(), nullptr, 16);
+    identity.size = size->get<std::uintmax_t>();
+    identity.modifiedNs = modified->get<std::int64_t>();
+    identity.hash = std::strtoull(hash->get<std::string>().c_str(), nullptr, 16);
     return identity;
 }
 
@@ -127,7 +139,8 @@ std::optional<JournalContents> Journal::Read() const {
                 return std::nullopt;
             contents.identity = *identity;
             header = false;
-        } else if (line.is_object() && line["op"].is_string()) {
+        } else if (line.is_object() && Member(line, "op", &nlohmann::json::is_string) &&
+                   Member(line, "time", &nlohmann::json::is_string)) {
             contents.entries.push_back(std::move(line));
         } else {
             break;

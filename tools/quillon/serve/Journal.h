@@ -23,7 +23,8 @@
 namespace quillon::tool::serve {
 
 // What a journal holds: the report's identity when the changes began, the change lines that read
-// whole (a line cut short by a crash, and anything after it, is left out), and where they end.
+// whole, each an object with the texts "op" and "time" (a line cut short by a crash, or anything
+// else, ends the journal there), and where they end.
 struct JournalContents {
     ReportIdentity identity;
     std::vector<nlohmann::json> entries;

@@ -88,6 +88,15 @@ ReportReview::ReportReview(const std::string& path) : m_path(path) {
     m_identity = IdentityOf(m_fd);
     m_journal = std::make_unique<class Journal>(path);
     m_offer = m_journal->Read();
+    // A journal with a header alone, or its first change cut short, has nothing to offer. When
+    // it cannot be removed, the first change says so.
+    if (m_offer && m_offer->entries.empty()) {
+        m_offer.reset();
+        try {
+            m_journal->Remove();
+        } catch (const ToolError&) {
+        }
+    }
 }
 
 ReportReview::~ReportReview() {
