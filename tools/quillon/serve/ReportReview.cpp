@@ -140,23 +140,24 @@ void ReportReview::Edit(CSamples& samples, const CMetaboliteEdit& edit) {
 }
 
 CMetaboliteEdit ReportReview::Undo(CSamples& samples) {
-    RequireEditable();
-    if (!m_changes.CanUndo())
-        throw ApiError(409, "there is no unsaved change to undo");
-    Record(Entry("undo"));
-    CMetaboliteEdit applied;
-    m_changes.Undo(samples, &applied);
-    m_unsaved = m_changes.Count();
-    return applied;
+    return Step(samples, false);
 }
 
 CMetaboliteEdit ReportReview::Redo(CSamples& samples) {
+    return Step(samples, true);
+}
+
+CMetaboliteEdit ReportReview::Step(CSamples& samples, bool redo) {
     RequireEditable();
-    if (!m_changes.CanRedo())
-        throw ApiError(409, "there is no undone change to redo");
-    Record(Entry("redo"));
+    if (!(redo ? m_changes.CanRedo() : m_changes.CanUndo()))
+        throw ApiError(409, redo ? "there is no undone change to redo"
+                                 : "there is no unsaved change to undo");
+    Record(Entry(redo ? "redo" : "undo"));
     CMetaboliteEdit applied;
-    m_changes.Redo(samples, &applied);
+    if (redo)
+        m_changes.Redo(samples, &applied);
+    else
+        m_changes.Undo(samples, &applied);
     m_unsaved = m_changes.Count();
     return applied;
 }

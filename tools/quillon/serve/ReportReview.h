@@ -71,6 +71,8 @@ public:
 
 private:
     void Record(const nlohmann::json& entry);
+    // Undoes (redo false) or redoes the latest change, journalled first.
+    CMetaboliteEdit Step(CSamples& samples, bool redo);
     void RequireEditable() const;
     void Replay(CSamples& samples, const nlohmann::json& entry);
     // Writes the model to target from the report as it was read, and continues the review in it.
