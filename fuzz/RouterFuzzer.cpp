@@ -1,8 +1,9 @@
 // The web server's router: any method, path, query, headers and body are answered with a status
 // and, for errors, a JSON {"error": ...}, without harm to the model served. The input is lines:
 // method, path, query, then "name: value" header lines up to an empty line, then the body. The
-// served address and the token are sent unless the input gives its own; requests that would
-// start a fragment analysis never carry the change header, so that no job thread is started.
+// served address and the token are sent unless the input gives its own; no request carries the
+// change header, so that no fragment analysis starts and no edit, journal or save reaches the
+// example report on disk.
 
 #include "FuzzSupport.h"
 

@@ -24,6 +24,8 @@ std::string FieldTextProblem(std::string_view text) {
             return "a tab cannot be part of a text in the report";
         if (ch == '\r' || ch == '\n')
             return "a line break cannot be part of a text in the report";
+        if (ch == '\0')
+            return "a NUL character cannot be part of a text in the report";
     }
     return std::string();
 }
@@ -45,7 +47,7 @@ std::string CheckMetaboliteEdit(CSamples& samples, const CMetaboliteEdit& edit) 
                std::to_string(edit.sample) + " has no elemental candidate " +
                std::to_string(edit.candidate) + " (it has " + std::to_string(candidates) + ")";
     if (edit.kind == CMetaboliteEdit::SetLabel)
-        return FieldTextProblem(edit.label.c_str());
+        return FieldTextProblem(edit.label.str());
     return std::string();
 }
 

@@ -30,7 +30,8 @@ struct CMetaboliteEdit {
 };
 
 // Why text cannot be a field of a report ("" when it can): a tab, carriage return or line feed
-// would break the report's line structure. Every text a user sets is checked with this first.
+// would break the report's line structure, and a NUL would cut the text short when written. Every
+// text a user sets is checked with this first.
 //     FieldTextProblem("checked") == ""; FieldTextProblem("a\tb") names the tab.
 std::string FieldTextProblem(std::string_view text);
 

@@ -87,7 +87,9 @@ TEST(MetaboliteEditTest, ImpossibleEditsAreRefusedAndChangeNothing) {
     tab.label = "a\tb";
     CMetaboliteEdit lineBreak = Edit(CMetaboliteEdit::SetLabel, where);
     lineBreak.label = "first line\r\nsecond";
-    for (const CMetaboliteEdit& edit : {noSample, noMetabolite, noCandidate, tab, lineBreak}) {
+    CMetaboliteEdit nul = Edit(CMetaboliteEdit::SetLabel, where);
+    nul.label = CString(std::string("cut\0short", 9));
+    for (const CMetaboliteEdit& edit : {noSample, noMetabolite, noCandidate, tab, lineBreak, nul}) {
         const std::string reason = CheckMetaboliteEdit(samples, edit);
         EXPECT_FALSE(reason.empty());
         EXPECT_THROW(ApplyMetaboliteEdit(samples, edit), std::invalid_argument) << reason;

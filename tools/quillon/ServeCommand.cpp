@@ -6,21 +6,72 @@
 #include <httplib.h>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace quillon::tool {
 
 namespace {
 
 httplib::Server* g_server = nullptr;
+const serve::ServedReports* g_reports = nullptr;
+bool g_discardOnExit = false;
+std::atomic<int> g_interrupts{0};
 
-void OnStop(int) {
+int UnsavedChanges(const serve::ServedReports& reports) {
+    int unsaved = 0;
+    for (const auto& report : reports)
+        unsaved += report->Review().Unsaved();
+    return unsaved;
+}
+
+// Ctrl-C with unsaved changes only says so the first time (they stay in the journal either way);
+// the second stops the server. Only what is safe in a signal handler happens here.
+void OnStop(int signal) {
+    if (signal == SIGINT && !g_discardOnExit && g_reports != nullptr && g_interrupts++ == 0) {
+        const int unsaved = UnsavedChanges(*g_reports);
+        if (unsaved > 0) {
+            char digits[16];
+            int length = 0;
+            for (int rest = unsaved; rest > 0 && length < 15; rest /= 10)
+                digits[length++] = static_cast<char>('0' + rest % 10);
+            char text[160] = "\nquillon: ";
+            size_t at = std::strlen(text);
+            while (length > 0)
+                text[at++] = digits[--length];
+            const char* tail = unsaved == 1 ? " change is unsaved: save it in the page, or press "
+                                              "Ctrl-C again to stop without saving\n"
+                                            : " changes are unsaved: save them in the page, or "
+                                              "press Ctrl-C again to stop without saving\n";
+            std::strcpy(text + at, tail);
+            [[maybe_unused]] const ssize_t wrote = ::write(STDERR_FILENO, text, std::strlen(text));
+            return;
+        }
+    }
     if (g_server != nullptr)
         g_server->stop();
+}
+
+// What becomes of unsaved changes when the server stops: discarded when asked, else kept in the
+// journal for the next serve.
+void SettleUnsaved(serve::ServedReports& reports, bool discard) {
+    for (auto& report : reports) {
+        const int unsaved = report->Review().Unsaved();
+        if (discard) {
+            report->WithSamples([&](CSamples&) { report->Review().DiscardOnExit(); });
+        } else if (unsaved > 0) {
+            std::cerr << "quillon: " << unsaved << (unsaved == 1 ? " change" : " changes") << " to "
+                      << report->Name()
+                      << " stay unsaved in its journal: the next quillon serve of it offers "
+                      << (unsaved == 1 ? "it" : "them") << " back\n";
+        }
+    }
 }
 
 // Copies an httplib request into the router's plain request.
@@ -103,6 +154,7 @@ void RegisterServe(CLI::App& app, GlobalOptions& options) {
         std::string host = "127.0.0.1";
         int port = 8765;
         bool open = false;
+        bool discardOnExit = false;
     };
     auto settings = std::make_shared<Settings>();
     CLI::App* command = app.add_subcommand(
@@ -114,6 +166,9 @@ void RegisterServe(CLI::App& app, GlobalOptions& options) {
     command->add_option("--port", settings->port, "The port (default 8765; 0 takes a free one)")
         ->check(CLI::Range(0, 65535));
     command->add_flag("--open", settings->open, "Open the page in the desktop's browser");
+    command->add_flag("--discard-on-exit", settings->discardOnExit,
+                      "Stop at the first Ctrl-C even with unsaved changes, and discard them (their "
+                      "journal is removed)");
     command->callback([settings, &options] {
         serve::ServedReports reports = serve::LoadReports(settings->paths, options);
         httplib::Server server;
@@ -153,13 +208,17 @@ void RegisterServe(CLI::App& app, GlobalOptions& options) {
         if (settings->open)
             OpenBrowser(address, options);
         g_server = &server;
+        g_reports = &reports;
+        g_discardOnExit = settings->discardOnExit;
         std::signal(SIGINT, OnStop);
         std::signal(SIGTERM, OnStop);
         std::signal(SIGPIPE, SIG_IGN);
         const bool listened = server.listen_after_bind();
-        g_server = nullptr;
         std::signal(SIGINT, SIG_DFL);
         std::signal(SIGTERM, SIG_DFL);
+        g_server = nullptr;
+        g_reports = nullptr;
+        SettleUnsaved(reports, settings->discardOnExit);
         if (!listened && server.is_valid())
             throw ToolError("the server stopped with an error");
         std::cout << "stopped" << std::endl;

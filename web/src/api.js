@@ -5,7 +5,13 @@ const snapshot = typeof window !== "undefined" ? window.QUILLON_SNAPSHOT : undef
 
 export const isSnapshot = snapshot !== undefined;
 
-export class ApiError extends Error {}
+export class ApiError extends Error {
+  constructor(message, status = 0, body = {}) {
+    super(message);
+    this.status = status;
+    this.body = body;
+  }
+}
 
 // The snapshot keeps answers under "PATH?report=R"; a spectrum also under its function.
 function snapshotAnswer(path, report, params) {
@@ -23,17 +29,21 @@ export async function get(path, report = 0, params = {}) {
   return send("GET", `/api/v1/${path}?${query}`);
 }
 
-// A request that changes something carries the header a foreign page cannot send.
-export async function change(method, path, report = 0) {
+// A request that changes something carries the header a foreign page cannot send; an edit also
+// carries, as JSON, the model version it was made against.
+export async function change(method, path, report = 0, body = undefined) {
   if (isSnapshot) throw new ApiError("a snapshot cannot change anything");
-  return send(method, `/api/v1/${path}?report=${report}`, { "X-Quillon-Request": "1" });
+  const headers = { "X-Quillon-Request": "1" };
+  if (body !== undefined) headers["Content-Type"] = "application/json";
+  return send(method, `/api/v1/${path}?report=${report}`, headers,
+    body === undefined ? undefined : JSON.stringify(body));
 }
 
-async function send(method, url, headers = {}) {
-  const response = await fetch(url, { method, headers, credentials: "same-origin" });
-  const body = await response.json().catch(() => ({ error: response.statusText }));
-  if (!response.ok) throw new ApiError(body.error ?? `HTTP ${response.status}`);
-  return body;
+async function send(method, url, headers = {}, body = undefined) {
+  const response = await fetch(url, { method, headers, body, credentials: "same-origin" });
+  const answer = await response.json().catch(() => ({ error: response.statusText }));
+  if (!response.ok) throw new ApiError(answer.error ?? `HTTP ${response.status}`, response.status, answer);
+  return answer;
 }
 
 // The snapshot's metabolite table holds every row: the filters apply here, as the server applies

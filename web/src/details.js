@@ -6,10 +6,12 @@ import { get } from "./api.js";
 import { el, section, table } from "./dom.js";
 import { renderFragments } from "./fragments.js";
 import { plot, strongestLabels } from "./plots.js";
+import { canEdit, send } from "./review.js";
 import { renderStructure } from "./structure.js";
 
 const width = () => Math.round(Math.min(2000, Math.max(400, window.innerWidth * 0.6)));
 let shown = { sample: null };
+let shownRoute = null;
 
 export async function renderDetails(box, route, options) {
   const sampleKey = `${route.report}/${route.sample}`;
@@ -22,6 +24,7 @@ export async function renderDetails(box, route, options) {
   } else if (options.redraw) {
     renderCombined(route, options);
   }
+  shownRoute = route;
   if (route.metabolite === null) return;
   try {
     const detail = await get(`samples/${route.sample}/metabolites/${route.metabolite}`, route.report);
@@ -39,7 +42,8 @@ function panels() {
     section("Spectrum", el("p", { id: "spectrum-title", class: "muted" }), el("div", { id: "spectrum-plot", class: "plot" })),
     section("Combined trace of the found metabolites", combinedKind, el("div", { id: "combined-plot", class: "plot" })),
     el("div", { class: "pair" },
-      section("Elemental candidates", el("div", { id: "candidates", class: "scroll small" })),
+      section("Elemental candidates", el("div", { id: "candidates", class: "scroll small", tabindex: "0", onkeydown: candidateKey }),
+        canEdit() ? el("button", { id: "delete-candidate", disabled: true, title: "Delete the selected candidate (Delete)", onclick: deleteCandidate }, "Delete candidate") : null),
       section("MS/MS correlation", el("div", { id: "correlation", class: "scroll small" }))),
     el("div", { class: "pair" },
       section("Fragment analysis", el("div", { id: "fragments-panel" })),
@@ -117,17 +121,50 @@ async function renderCombined(route, options) {
   });
 }
 
+const candidateColumns = [
+  { key: "formula", label: "Formula" }, { key: "calc_mz", label: "Calc m/z", decimals: 4 },
+  { key: "mDa", label: "mDa", decimals: 1 }, { key: "ppm", label: "ppm", decimals: 1 },
+  { key: "dbe", label: "DBE", decimals: 1 }, { key: "i_fit", label: "i-FIT", decimals: 2 },
+];
+
+// The elemental candidates of the selected metabolite; a click selects one for Delete.
+export function drawCandidates(route, candidates) {
+  const button = document.getElementById("delete-candidate");
+  if (button) button.disabled = true;
+  document.getElementById("candidates").replaceChildren(candidates.length
+    ? table(candidateColumns, candidates, {
+      onRow: (row, tr) => {
+        tr.dataset.candidate = row.candidate;
+        tr.classList.add("link");
+        tr.addEventListener("click", () => {
+          tr.parentNode.querySelectorAll("tr.selected").forEach((other) => other.classList.remove("selected"));
+          tr.classList.add("selected");
+          if (button) button.disabled = false;
+          document.getElementById("candidates").focus({ preventScroll: true });
+        });
+      },
+    })
+    : el("p", { class: "muted" }, "None."));
+}
+
+function deleteCandidate() {
+  const selected = document.querySelector("#candidates tr.selected");
+  const route = shownRoute;
+  if (!selected || !canEdit() || route.metabolite === null) return;
+  send("DELETE", `samples/${route.sample}/metabolites/${route.metabolite}/candidates/${selected.dataset.candidate}`);
+}
+
+function candidateKey(event) {
+  if (event.key !== "Delete" && event.key !== "Backspace") return;
+  event.preventDefault();
+  deleteCandidate();
+}
+
 async function renderTables(route) {
   const base = `samples/${route.sample}/metabolites/${route.metabolite}`;
   const [candidates, correlation] = await Promise.all([
     get(`${base}/candidates`, route.report), get(`${base}/correlation`, route.report)]);
-  document.getElementById("candidates").replaceChildren(candidates.candidates.length
-    ? table([
-      { key: "formula", label: "Formula" }, { key: "calc_mz", label: "Calc m/z", decimals: 4 },
-      { key: "mDa", label: "mDa", decimals: 1 }, { key: "ppm", label: "ppm", decimals: 1 },
-      { key: "dbe", label: "DBE", decimals: 1 }, { key: "i_fit", label: "i-FIT", decimals: 2 },
-    ], candidates.candidates)
-    : el("p", { class: "muted" }, "None."));
+  drawCandidates(route, candidates.candidates);
   const list = (v) => (v ?? []).map((n) => n.toFixed(4)).join(", ");
   document.getElementById("correlation").replaceChildren(correlation.correlation.length
     ? table([

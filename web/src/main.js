@@ -5,6 +5,7 @@ import { get, isSnapshot } from "./api.js";
 import { renderBatch } from "./batch.js";
 import { el } from "./dom.js";
 import { go, parseRoute } from "./route.js";
+import { installReview, startReview } from "./review.js";
 import { renderSample } from "./sample.js";
 
 const view = document.getElementById("view");
@@ -27,6 +28,7 @@ async function draw() {
   crumbs(route);
   document.body.dataset.view = route.sample === null ? "batch" : "sample";
   try {
+    await startReview(route.report);
     if (route.sample === null) {
       await renderBatch(view, route);
       drawnReport = null;
@@ -47,6 +49,7 @@ async function start() {
   select.replaceChildren(...reports.map((r) => el("option", { value: r.report }, r.name)));
   select.hidden = reports.length < 2;
   select.addEventListener("change", () => go({ report: Number(select.value) }));
+  installReview();
   window.addEventListener("hashchange", draw);
   window.addEventListener("quillon:route", draw);
   await draw();

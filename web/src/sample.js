@@ -1,16 +1,21 @@
 // The sample view: the filtered, sortable metabolite table on the left (up and down keys move the
 // selection), and for the selected metabolite its trace, the combined trace, its spectrum, its
 // elemental candidates and correlation rows, the sample's fragment analysis and the parent's
-// structure on the right.
+// structure on the right. While serving, the selected metabolite is reviewed from the keyboard:
+// c confirms, u unconfirms, l edits its label (Enter saves, Escape cancels); changed rows are
+// marked until saved.
 
 import { filterRows, get, isSnapshot } from "./api.js";
 import { el, section, table } from "./dom.js";
-import { renderDetails } from "./details.js";
+import { drawCandidates, renderDetails } from "./details.js";
+import { canEdit, send, setVersion } from "./review.js";
 import { go, parseRoute } from "./route.js";
 
 const columns = [
   { key: "index", label: "#", decimals: 0 },
   { key: "name", label: "Name" },
+  { key: "confirmed", label: "✓", title: "Confirmed", value: (r) => (r.confirmed ? "✓" : "") },
+  { key: "label", label: "Label" },
   { key: "kind", label: "Kind" },
   { key: "formula", label: "Formula" },
   { key: "mz", label: "m/z", decimals: 4 },
@@ -50,6 +55,16 @@ export async function renderSample(view, route) {
   await select(route);
 }
 
+function reviewTools() {
+  if (!canEdit()) return null;
+  const edit = (body) => () => reviewSelected(body);
+  return el("div", { class: "review-tools" },
+    el("button", { id: "confirm", title: "Confirm the selected metabolite (c)", onclick: edit({ confirmed: true }) }, "Confirm"),
+    el("button", { id: "unconfirm", title: "Clear its confirmation (u)", onclick: edit({ confirmed: false }) }, "Unconfirm"),
+    el("button", { id: "label", title: "Edit its label (l)", onclick: editLabel }, "Label…"),
+    el("input", { id: "label-input", "aria-label": "Label", hidden: true, maxlength: 200, onkeydown: labelKey }));
+}
+
 function layout(route) {
   const form = el("form", { class: "filters", id: "filters", onsubmit: (e) => { e.preventDefault(); applyFilter(route, e.target); } },
     filterFields.map(([name, label]) =>
@@ -60,7 +75,7 @@ function layout(route) {
   const percent = el("label", { class: "percent" }, el("input", {
     type: "checkbox", onchange: (e) => { state.percent = e.target.checked; select(route, true); } }), "Intensity in %");
   return el("div", { class: "sample" },
-    el("div", { class: "left" }, section("Metabolites", form, el("p", { id: "row-count", class: "muted" }),
+    el("div", { class: "left" }, section("Metabolites", form, reviewTools(), el("p", { id: "row-count", class: "muted" }),
       el("div", { id: "metabolites", class: "scroll table-box", tabindex: "0", onkeydown: move }))),
     el("div", { class: "right", id: "details" }, percent, el("p", { class: "muted" }, "Select a metabolite.")));
 }
@@ -84,6 +99,7 @@ async function loadRows(route) {
       const answer = await get(`samples/${route.sample}/metabolites`, route.report, state.filter);
       state.rows = answer.metabolites;
       state.total = answer.total;
+      setVersion(route.report, answer.version);
     }
     status.textContent = "";
   } catch (error) {
@@ -105,18 +121,20 @@ function sorted() {
   });
 }
 
+function decorate(route) {
+  return (row, tr) => {
+    tr.dataset.index = row.index;
+    tr.classList.add("link");
+    if (row.index === route.metabolite) tr.classList.add("selected");
+    if (!row.found) tr.classList.add("dim");
+    if (row.edited) tr.classList.add("edited");
+    tr.addEventListener("click", () => go({ ...parseRoute(), metabolite: row.index }));
+  };
+}
+
 function drawTable(route) {
   const rows = sorted();
-  const current = route.metabolite;
-  const grid = table(columns, rows, {
-    onRow: (row, tr) => {
-      tr.dataset.index = row.index;
-      tr.classList.add("link");
-      if (row.index === current) tr.classList.add("selected");
-      if (!row.found) tr.classList.add("dim");
-      tr.addEventListener("click", () => go({ ...route, metabolite: row.index }));
-    },
-  });
+  const grid = table(columns, rows, { onRow: decorate(route) });
   grid.id = "metabolite-table";
   grid.querySelectorAll("th").forEach((th, i) => {
     const key = columns[i].key ?? "found";
@@ -131,7 +149,54 @@ function drawTable(route) {
   document.getElementById("row-count").textContent = `${rows.length} of ${state.total ?? rows.length} metabolites shown`;
 }
 
+// A change drawn in its row (and its candidates when it is the selected metabolite).
+window.addEventListener("quillon:changed", ({ detail }) => {
+  const route = parseRoute();
+  if (state.key !== `${route.report}/${detail.sample}`) return;
+  const at = state.rows.findIndex((r) => r.index === detail.metabolite);
+  if (at < 0) return;
+  state.rows[at] = { ...state.rows[at], ...detail.row };
+  const old = document.querySelector(`#metabolite-table tr[data-index="${detail.metabolite}"]`);
+  if (old) old.replaceWith(table(columns, [state.rows[at]], { onRow: decorate(route) }).tBodies[0].rows[0]);
+  if (route.metabolite === detail.metabolite) drawCandidates(route, detail.candidates);
+});
+
+function reviewSelected(body) {
+  const route = parseRoute();
+  if (!canEdit() || route.metabolite === null) return;
+  send("PATCH", `samples/${route.sample}/metabolites/${route.metabolite}`, body);
+}
+
+function editLabel() {
+  const route = parseRoute();
+  const row = state.rows.find((r) => r.index === route.metabolite);
+  const input = document.getElementById("label-input");
+  if (!row || !input) return;
+  input.hidden = false;
+  input.value = row.label ?? "";
+  input.focus();
+  input.select();
+}
+
+function labelKey(event) {
+  const input = event.target;
+  if (event.key !== "Enter" && event.key !== "Escape") return;
+  event.preventDefault();
+  const row = state.rows.find((r) => r.index === parseRoute().metabolite);
+  if (event.key === "Enter" && row && input.value !== (row.label ?? "")) reviewSelected({ label: input.value });
+  input.hidden = true;
+  document.getElementById("metabolites").focus();
+}
+
+const reviewKeys = { c: () => reviewSelected({ confirmed: true }), u: () => reviewSelected({ confirmed: false }), l: editLabel };
+
 function move(event) {
+  const review = reviewKeys[event.key];
+  if (review && !event.ctrlKey && !event.metaKey && !event.altKey) {
+    event.preventDefault();
+    review();
+    return;
+  }
   if (event.key !== "ArrowDown" && event.key !== "ArrowUp") return;
   const route = parseRoute();
   event.preventDefault();

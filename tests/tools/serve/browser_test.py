@@ -3,7 +3,9 @@
 import json
 import os
 import re
+import shutil
 import signal
+import statistics
 import subprocess
 import tempfile
 import urllib.error
@@ -11,6 +13,7 @@ import urllib.request
 
 import pytest
 from selenium import webdriver
+from selenium.common.exceptions import StaleElementReferenceException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
@@ -22,10 +25,9 @@ REPORT = os.environ["QUILLON_REPORT"]
 OUTPUT = os.environ.get("QUILLON_BROWSER_OUTPUT", tempfile.mkdtemp())
 
 
-@pytest.fixture(scope="module")
-def server():
-    process = subprocess.Popen([QUILLON, "serve", REPORT, "--port", "0"], stdout=subprocess.PIPE,
-                               stderr=subprocess.PIPE, text=True)
+def serve(report, *flags):
+    process = subprocess.Popen([QUILLON, "serve", report, "--port", "0", *flags],
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
     line = process.stdout.readline()
     match = re.search(r"at (http://127\.0\.0\.1:(\d+)/)\?token=([0-9a-f]{32})$", line.strip())
     assert match, line
@@ -34,6 +36,21 @@ def server():
     out, _ = process.communicate(timeout=10)
     assert process.returncode == 0
     assert "stopped" in out
+
+
+@pytest.fixture(scope="module")
+def server():
+    yield from serve(REPORT)
+
+
+@pytest.fixture(scope="module")
+def review_copy():
+    """A copy of the report to review, served until the module ends (its changes discarded)."""
+    folder = tempfile.mkdtemp(prefix="quillon-review-")
+    report = shutil.copy(REPORT, os.path.join(folder, "batch.txt"))
+    for running in serve(report, "--discard-on-exit"):
+        yield {**running, "report": report}
+    shutil.rmtree(folder)
 
 
 @pytest.fixture(scope="module")
@@ -46,6 +63,8 @@ def browser():
         options.add_argument(flag)
     options.binary_location = "/usr/bin/chromium"
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    # The leave-page warning is a prompt the test answers itself.
+    options.set_capability("unhandledPromptBehavior", "ignore")
     driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"),
                               options=options)
     yield driver
@@ -130,6 +149,9 @@ def test_snapshot_opens_from_disk(server, browser):
     walk_to_a_metabolite(browser)
     wait_for(browser, "#fragments-list tbody tr")
     assert not browser.find_element(By.ID, "fragments-run").is_displayed()
+    # A snapshot is read-only: no review controls.
+    assert not browser.find_element(By.ID, "review").is_displayed()
+    assert not browser.find_elements(By.CSS_SELECTOR, "#confirm, #delete-candidate")
 
     # The snapshot filters its rows itself: the same rows as the server's filter.
     sample = re.search(r"/s/(\d+)", browser.current_url).group(1)
@@ -144,4 +166,97 @@ def test_snapshot_opens_from_disk(server, browser):
     WebDriverWait(browser, 5).until(lambda d: [
         row.find_element(By.TAG_NAME, "td").text for row in rows(d, "metabolite-table")
     ] == sorted(expected, key=int))
+    assert console_errors(browser) == []
+
+
+def until(driver, condition, timeout=5):
+    """Waits for condition, looking again when a row it read was redrawn meanwhile."""
+    return WebDriverWait(driver, timeout, ignored_exceptions=[StaleElementReferenceException]) \
+        .until(condition)
+
+
+def selected_cells(driver):
+    row = driver.find_element(By.CSS_SELECTOR, "#metabolite-table tr.selected")
+    return row, [cell.text for cell in row.find_elements(By.TAG_NAME, "td")]
+
+
+def key_press_latencies(driver, presses=20):
+    """Milliseconds from each key press (c and u in turn) to the selected row redrawn."""
+    return driver.execute_async_script("""
+        const done = arguments[arguments.length - 1];
+        const box = document.getElementById("metabolites");
+        const times = [];
+        const press = (key) => new Promise((resolve) => {
+          const observer = new MutationObserver(() => {
+            observer.disconnect();
+            resolve(performance.now() - start);
+          });
+          observer.observe(document.querySelector("#metabolite-table tbody"), { childList: true });
+          const start = performance.now();
+          box.dispatchEvent(new KeyboardEvent("keydown", { key, bubbles: true }));
+        });
+        (async () => {
+          for (let i = 0; i < arguments[0]; i++) times.push(await press(i % 2 ? "u" : "c"));
+          done(times);
+        })();""", presses)
+
+
+def test_review_with_the_keyboard_and_save(review_copy, browser):
+    browser.get(f"{review_copy['base']}?token={review_copy['token']}")
+    walk_to_a_metabolite(browser)
+    table = browser.find_element(By.CSS_SELECTOR, "#metabolites")
+    table.send_keys("c")
+    until(browser, lambda d: selected_cells(d)[1][2] == "✓")
+    row, cells = selected_cells(browser)
+    assert "edited" in row.get_attribute("class")
+    assert browser.find_element(By.ID, "unsaved").text == "1 unsaved change"
+
+    table.send_keys("l")
+    label = browser.find_element(By.ID, "label-input")
+    label.send_keys("N-oxide, checked" + Keys.ENTER)
+    until(browser, lambda d: selected_cells(d)[1][3] == "N-oxide, checked")
+    table.send_keys(Keys.CONTROL, "z")
+    until(browser, lambda d: selected_cells(d)[1][3] == "")
+    table.send_keys(Keys.CONTROL, Keys.SHIFT, "z")
+    until(browser, lambda d: selected_cells(d)[1][3] == "N-oxide, checked")
+    assert browser.find_element(By.ID, "unsaved").text == "2 unsaved changes"
+
+    # Leaving with unsaved changes asks first. Headless Chromium answers the question itself
+    # without showing it, so the test asks the page whether it would stop the leaving.
+    leaving = "const e = new Event('beforeunload', {cancelable: true}); " \
+              "window.dispatchEvent(e); return e.defaultPrevented"
+    assert browser.execute_script(leaving)
+    browser.save_screenshot(os.path.join(OUTPUT, "review-light.png"))
+
+    table.send_keys(Keys.CONTROL, "s")
+    until(browser, 
+        lambda d: d.find_element(By.ID, "saved-at").text.startswith("Saved batch.txt at"))
+    assert browser.find_element(By.ID, "unsaved").text == "No unsaved changes"
+    assert not browser.execute_script(leaving)
+    subprocess.run([QUILLON, "check", review_copy["report"]], check=True,
+                   stdout=subprocess.DEVNULL)
+    exported = json.loads(subprocess.run([QUILLON, "export", review_copy["report"]], check=True,
+                                         capture_output=True, text=True).stdout)
+    sample = int(re.search(r"/s/(\d+)", browser.current_url).group(1))
+    index = int(re.search(r"/m/(\d+)", browser.current_url).group(1))
+    saved = next(m for m in exported["metabolites"]
+                 if m["sample"] == sample and m["index"] == index)
+    assert saved["confirmed"] is True and saved["label"] == "N-oxide, checked"
+
+    # After a reload (in the dark theme) the page shows the save; the row is no longer marked.
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {
+        "features": [{"name": "prefers-color-scheme", "value": "dark"}]})
+    browser.refresh()
+    wait_for(browser, "#metabolite-table tr.selected")
+    wait_for(browser, "#trace-plot canvas")
+    assert "edited" not in selected_cells(browser)[0].get_attribute("class")
+    assert browser.find_element(By.ID, "saved-at").text.startswith("Saved batch.txt at")
+    browser.save_screenshot(os.path.join(OUTPUT, "review-dark.png"))
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
+
+    browser.find_element(By.ID, "metabolites").click()
+    latencies = key_press_latencies(browser)
+    with open(os.path.join(OUTPUT, "review-latency.txt"), "w") as figures:
+        figures.write(f"key press to row updated, median of {len(latencies)}: "
+                      f"{statistics.median(latencies):.1f} ms (max {max(latencies):.1f} ms)\n")
     assert console_errors(browser) == []

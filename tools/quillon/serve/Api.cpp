@@ -1,6 +1,7 @@
 #include "Api.h"
 
 #include "ApiSample.h"
+#include "ReviewApi.h"
 
 #include "../ReadFindings.h"
 #include "../json/ModelJson.h"
@@ -45,7 +46,7 @@ nlohmann::json ReportsAnswer(ServedReports& reports) {
     return {{"reports", std::move(list)}};
 }
 
-nlohmann::json BatchAnswer(CSamples& samples) {
+nlohmann::json BatchAnswer(CSamples& samples, const ReportReview& review) {
     nlohmann::json rows = nlohmann::json::array();
     JsonRowsSink sink(rows);
     for (int i = 0; i < samples.GetSamplesCount(); ++i) {
@@ -68,13 +69,14 @@ nlohmann::json BatchAnswer(CSamples& samples) {
             {"summary", std::move(found)},
             {"stability", std::move(stability)},
             {"problem_count", samples.GetReadReport().ProblemCount()},
-            {"problems", ReadFindings(samples.GetReadReport())}};
+            {"problems", ReadFindings(samples.GetReadReport())},
+            {"review", review.State()}};
 }
 
 } // namespace
 
 nlohmann::json ApiAnswer(ServedReports& reports, const std::string& method, std::string_view path,
-                         const Query& query) {
+                         const Query& query, std::string_view body, std::string_view ifMatch) {
     const std::vector<std::string_view> segments = Segments(path);
     if (segments.size() == 1 && segments[0] == "reports") {
         if (method != "GET")
@@ -84,17 +86,22 @@ nlohmann::json ApiAnswer(ServedReports& reports, const std::string& method, std:
     const size_t index = ReportIndex(reports, query);
     ServedReport& report = *reports[index];
     nlohmann::json answer;
-    if (segments.size() == 1 && segments[0] == "batch") {
+    if (auto review = ReviewAnswer(report, {method, body, ifMatch}, segments)) {
+        answer = std::move(*review);
+    } else if (segments.size() == 1 && segments[0] == "batch") {
         if (method != "GET")
             throw ApiError(405, "only GET is allowed here");
-        answer = report.WithSamples([](CSamples& samples) { return BatchAnswer(samples); });
+        answer = report.WithSamples(
+            [&](CSamples& samples) { return BatchAnswer(samples, report.Review()); });
     } else if (segments.size() >= 2 && segments[0] == "samples") {
         answer = SampleAnswer(report, method, {segments.begin() + 1, segments.end()}, query);
     } else {
         throw ApiError(404, "no such resource: /api/v1/" + std::string(path));
     }
     answer["report"] = index;
-    answer["version"] = report.Version();
+    // A change's answer names the version it produced, taken with the model still locked.
+    if (!answer.contains("version"))
+        answer["version"] = report.Version();
     return answer;
 }
 

@@ -19,6 +19,15 @@
 //     POST   /api/v1/samples/N/fragments                       starts the fragment analysis
 //     GET    /api/v1/samples/N/fragments                       its progress and result
 //     DELETE /api/v1/samples/N/fragments                       cancels it
+//
+// Reviewing (ReviewApi.h): changes name the version they were made against.
+//     GET    /api/v1/review                                    unsaved count, undo, save time
+//     PATCH  /api/v1/samples/N/metabolites/I                   {"confirmed": b} or {"label": t}
+//     DELETE /api/v1/samples/N/metabolites/I/candidates/K      deletes an elemental candidate
+//     POST   /api/v1/undo, /api/v1/redo                        the latest unsaved change
+//     POST   /api/v1/save                                      saves over the report
+//     POST   /api/v1/save-as  {"name": "new.txt"}              saves as a new file beside it
+//     POST   /api/v1/journal/apply, DELETE /api/v1/journal     the previous session's changes
 
 #include "Http.h"
 #include "Query.h"
@@ -38,8 +47,10 @@ using ServedReports = std::vector<std::unique_ptr<ServedReport>>;
 
 // The answer to an API request; path is what follows "/api/v1/" ("samples/3/metabolites").
 // Throws ApiError: 404 for an unknown route, sample, metabolite, trace or spectrum; 400 for bad
-// numbers or filters; 405 for a method the route does not take.
+// numbers or filters; 405 for a method the route does not take. body and ifMatch are those of a
+// change (ReviewApi.h).
 nlohmann::json ApiAnswer(ServedReports& reports, const std::string& method, std::string_view path,
-                         const Query& query);
+                         const Query& query, std::string_view body = {},
+                         std::string_view ifMatch = {});
 
 } // namespace quillon::tool::serve

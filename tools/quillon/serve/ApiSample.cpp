@@ -101,7 +101,8 @@ CResultFilter FilterOf(const Query& query) {
     return filter;
 }
 
-nlohmann::json MetabolitesAnswer(CSampleData& sample, const Query& query) {
+nlohmann::json MetabolitesAnswer(CSampleData& sample, const Query& query,
+                                 const ReportReview& review) {
     const CDivBroParams params = ResultFilterParams(FilterOf(query));
     nlohmann::json rows = nlohmann::json::array();
     JsonRowsSink sink(rows);
@@ -110,21 +111,11 @@ nlohmann::json MetabolitesAnswer(CSampleData& sample, const Query& query) {
             continue;
         sink.BeginRow();
         MetaboliteRow(sink, sample, m);
+        sink.Field("edited", review.Touched(sample.GetNumber(), m));
         // The predicted m/z, whose mass defect the filter tests: the snapshot page filters itself.
         sink.Field("predicted_mz", sample.GetMetabolite(m)->GetMetabolite());
     }
     return {{"total", sample.GetMetaboliteCount()}, {"metabolites", std::move(rows)}};
-}
-
-nlohmann::json CandidatesAnswer(CSampleData& sample, int index) {
-    nlohmann::json rows = nlohmann::json::array();
-    JsonRowsSink sink(rows);
-    CElementalResultsData candidate;
-    for (int e = 0; sample.GetMetabolite(index)->GetElementalResults(e, candidate); ++e) {
-        sink.BeginRow();
-        ElementalRecord(sink, sample.GetNumber(), index, e, candidate);
-    }
-    return {{"candidates", std::move(rows)}};
 }
 
 nlohmann::json CorrelationAnswer(CSampleData& sample, int index) {
@@ -141,7 +132,7 @@ nlohmann::json CorrelationAnswer(CSampleData& sample, int index) {
 // One metabolite with the trace that holds its peak and the function of its spectrum (null
 // without), so that the page can plot them. Peak ids repeat across functions: the metabolite's
 // own function and trace come first, the first trace with its peak otherwise.
-nlohmann::json MetaboliteAnswer(CSampleData& sample, int index) {
+nlohmann::json MetaboliteAnswer(CSampleData& sample, int index, const ReportReview& review) {
     const CMetaboliteData& metabolite = *sample.GetMetabolite(index);
     const int peak = metabolite.GetPeakNum();
     int trace = 0;
@@ -153,21 +144,20 @@ nlohmann::json MetaboliteAnswer(CSampleData& sample, int index) {
     int spectrumFunction = 0;
     const bool spectrum = function != nullptr && SpectrumOfPeak(sample, peak, function->GetNumber(),
                                                                 spectrumFunction) != nullptr;
-    return {
-        {"metabolite", RecordJson([&](RecordSink& sink) { MetaboliteRow(sink, sample, index); })},
-        {"plot_trace", trace != 0 ? nlohmann::json(trace) : nlohmann::json()},
-        {"spectrum_function", spectrum ? nlohmann::json(spectrumFunction) : nlohmann::json()}};
+    return {{"metabolite", MetaboliteRowJson(sample, index, review)},
+            {"plot_trace", trace != 0 ? nlohmann::json(trace) : nlohmann::json()},
+            {"spectrum_function", spectrum ? nlohmann::json(spectrumFunction) : nlohmann::json()}};
 }
 
 nlohmann::json MetaboliteRoutes(CSampleData& sample, std::span<const std::string_view> rest,
-                                const Query& query) {
+                                const Query& query, const ReportReview& review) {
     if (rest.empty())
-        return MetabolitesAnswer(sample, query);
+        return MetabolitesAnswer(sample, query, review);
     const int index = MetaboliteIndex(sample, rest[0]);
     if (rest.size() == 1)
-        return MetaboliteAnswer(sample, index);
+        return MetaboliteAnswer(sample, index, review);
     if (rest.size() == 2 && rest[1] == "candidates")
-        return CandidatesAnswer(sample, index);
+        return {{"candidates", CandidatesJson(sample, index)}};
     if (rest.size() == 2 && rest[1] == "correlation")
         return CorrelationAnswer(sample, index);
     throw ApiError(404, "no such resource beneath a metabolite");
@@ -199,6 +189,23 @@ nlohmann::json FragmentAnswer(ServedReport& report, int number, const std::strin
 
 } // namespace
 
+nlohmann::json MetaboliteRowJson(CSampleData& sample, int index, const ReportReview& review) {
+    nlohmann::json row = RecordJson([&](RecordSink& sink) { MetaboliteRow(sink, sample, index); });
+    row["edited"] = review.Touched(sample.GetNumber(), index);
+    return row;
+}
+
+nlohmann::json CandidatesJson(CSampleData& sample, int index) {
+    nlohmann::json rows = nlohmann::json::array();
+    JsonRowsSink sink(rows);
+    CElementalResultsData candidate;
+    for (int e = 0; sample.GetMetabolite(index)->GetElementalResults(e, candidate); ++e) {
+        sink.BeginRow();
+        ElementalRecord(sink, sample.GetNumber(), index, e, candidate);
+    }
+    return rows;
+}
+
 nlohmann::json SampleAnswer(ServedReport& report, const std::string& method,
                             std::span<const std::string_view> segments, const Query& query) {
     const int number = NumberIn(segments[0], "a sample number");
@@ -218,7 +225,7 @@ nlohmann::json SampleAnswer(ServedReport& report, const std::string& method,
         if (rest.empty())
             return SampleSummary(sample);
         if (rest[0] == "metabolites")
-            return MetaboliteRoutes(sample, rest.subspan(1), query);
+            return MetaboliteRoutes(sample, rest.subspan(1), query, report.Review());
         return PlotAnswer(sample, rest, query);
     });
 }

@@ -13,6 +13,13 @@
 
 namespace quillon::tool::serve {
 
+// The metabolite at index as a row of the metabolite table, with "edited" when an unsaved change
+// touches it.
+nlohmann::json MetaboliteRowJson(CSampleData& sample, int index, const ReportReview& review);
+
+// The elemental candidates of the metabolite at index, as rows.
+nlohmann::json CandidatesJson(CSampleData& sample, int index);
+
 // segments: the sample's number and what follows it ("3", "traces", "2").
 nlohmann::json SampleAnswer(ServedReport& report, const std::string& method,
                             std::span<const std::string_view> segments, const Query& query);

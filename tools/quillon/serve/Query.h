@@ -3,6 +3,8 @@
 // A request's query string: "a=1&b=x%20y" as names and decoded values, and its values as numbers
 // with a clear error for bad ones.
 
+#include <nlohmann/json.hpp>
+
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -11,11 +13,13 @@
 
 namespace quillon::tool::serve {
 
-// A request the server refuses: the status (4xx/5xx) and the message of its {"error": ...} answer.
+// A request the server refuses: the status (4xx/5xx) and the message of its {"error": ...} answer,
+// with details merged into that answer ({"version": 8} for a stale change).
 struct ApiError : std::runtime_error {
     ApiError(int statusCode, const std::string& message)
         : std::runtime_error(message), status(statusCode) {}
     int status;
+    nlohmann::json details = nlohmann::json::object();
 };
 
 // "%41+b" as "A b". Throws ApiError 400 for a '%' not followed by two hex digits.

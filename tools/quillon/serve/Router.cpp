@@ -105,7 +105,9 @@ HttpResponse Router::Handle(const HttpRequest& request) {
             return ErrorResponse(403, "a change needs the header X-Quillon-Request: 1");
         return Route(request, query);
     } catch (const ApiError& error) {
-        return ErrorResponse(error.status, error.what());
+        nlohmann::json body = error.details;
+        body["error"] = error.what();
+        return JsonResponse(error.status, body);
     } catch (const std::bad_alloc&) {
         return ErrorResponse(503, "out of memory");
     } catch (const std::exception& error) {
@@ -116,9 +118,9 @@ HttpResponse Router::Handle(const HttpRequest& request) {
 HttpResponse Router::Route(const HttpRequest& request, const Query& query) {
     const std::string_view api = "/api/v1/";
     if (request.path.compare(0, api.size(), api) == 0)
-        return JsonResponse(200,
-                            ApiAnswer(m_reports, request.method,
-                                      std::string_view(request.path).substr(api.size()), query));
+        return JsonResponse(200, ApiAnswer(m_reports, request.method,
+                                           std::string_view(request.path).substr(api.size()), query,
+                                           request.body, HeaderOf(request, "if-match")));
     if (request.method != "GET" && request.method != "HEAD")
         throw ApiError(405, "only GET is allowed here");
     if (request.path == "/" && query.Has("token")) {

@@ -10,7 +10,8 @@
 // - requests that change something (POST, PUT, PATCH, DELETE) carry "X-Quillon-Request: 1", which
 //   a foreign page cannot send without the browser asking first: 403 without it.
 // Then "/" is the page, "/app.js" and the like its files, "/api/v1/..." the API (Api.h). Every
-// error is {"error": "..."} with its status.
+// error is {"error": "..."} with its status, and what the error names besides ({"version": 8} for
+// a change made from a stale page).
 
 #include "Api.h"
 #include "Http.h"

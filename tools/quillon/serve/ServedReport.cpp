@@ -68,7 +68,7 @@ void InstallServerHooks(const std::string& molfileFolder) {
 
 ServedReport::ServedReport(const std::string& path, const std::string& molfileFolder,
                            const GlobalOptions& options)
-    : m_path(path) {
+    : m_path(path), m_review(path) {
     LoadReport(path, m_samples, options);
     for (int i = 0; i < m_samples.GetSamplesCount(); ++i) {
         CSampleData& sample = *m_samples.GetSample(i);
@@ -89,10 +89,6 @@ ServedReport::~ServedReport() {
         if (job->worker.joinable())
             job->worker.join();
     }
-}
-
-std::string ServedReport::Name() const {
-    return std::filesystem::path(m_path).filename().string();
 }
 
 std::string ServedReport::Molfile(int sampleNumber) const {
@@ -137,7 +133,6 @@ void ServedReport::RunJob(int sampleNumber, FragmentJob& job) {
                           {"analysed", done || analysis.HasNeutralLosses()},
                           {"parent_mz", JsonNumber(analysis.GetParentMass())}};
             job.progress = 1.0;
-            Changed();
             job.state = kJobDone;
         });
     } catch (const std::exception& error) {

@@ -5,6 +5,7 @@
 // analysis jobs of its samples.
 
 #include "../Tool.h"
+#include "ReportReview.h"
 
 #include <quillon/quillon.h>
 
@@ -44,8 +45,11 @@ public:
     ServedReport& operator=(const ServedReport&) = delete;
 
     const std::string& Path() const { return m_path; }
-    // The file name shown on the page.
-    std::string Name() const;
+    // The file name shown on the page: the report's, or the one it was last saved as.
+    std::string Name() const { return m_review.Name(); }
+
+    // The review of the report's model: use it inside WithSamples, except where ReportReview says.
+    ReportReview& Review() { return m_review; }
 
     // Runs access with the model locked; access receives the samples.
     template <class Access>
@@ -53,7 +57,9 @@ public:
         const std::lock_guard<std::mutex> lock(m_mutex);
         return access(m_samples);
     }
-    // Counts up each time the model changes, so that a page can tell a stale view.
+    // Counts up each time a reviewer's change (or its undo) alters the model, so that a change
+    // made from a stale view is refused. The fragment analysis adds results beside what is
+    // reviewed and leaves it alone.
     long long Version() const { return m_version.load(); }
     void Changed() { ++m_version; }
 
@@ -69,6 +75,7 @@ private:
     void RunJob(int sampleNumber, FragmentJob& job);
 
     std::string m_path;
+    ReportReview m_review;
     CSamples m_samples;
     std::mutex m_mutex;
     std::atomic<long long> m_version{1};
