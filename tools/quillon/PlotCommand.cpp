@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "FigureOptions.h"
 #include "Svg.h"
+#include "json/ModelRecords.h"
 
 #include <algorithm>
 #include <cmath>
@@ -154,7 +155,7 @@ Chart SpectrumChart(CSampleData& sample, int peakID, int functionNumber, const s
     if (chart.sticks.empty())
         throw ToolError(where + ": the spectrum of peak " + std::to_string(peakID) +
                         " holds no points");
-    chart.yLabel = base <= 100.0 ? "Relative intensity (%)" : "Intensity";
+    chart.yLabel = IntensitiesArePercent(*spectrum) ? "Relative intensity (%)" : "Intensity";
     const double mono = metabolite != nullptr ? metabolite->GetMzFound() : 0.0;
     auto isotope = [&](const std::pair<double, double>& stick) {
         return mono > 0 && stick.first > mono - 0.05 && stick.first < mono + 4.2 &&

@@ -100,7 +100,8 @@ async function renderSpectrum(route, detail, options) {
   title.textContent = `Peak ${peak} at ${answer.spectrum.time_min} min, ${answer.points.total} masses`;
   const wavelengths = answer.x_axis === "wavelength_nm";
   plot(box, answer.points, {
-    xLabel: wavelengths ? "Wavelength (nm)" : "m/z", yLabel: wavelengths ? "Absorbance" : "Intensity (counts)",
+    xLabel: wavelengths ? "Wavelength (nm)" : "m/z",
+    yLabel: wavelengths ? "Absorbance" : answer.relative_intensity ? "Relative intensity (%)" : "Intensity (counts)",
     stick: !wavelengths, percent: options.percent,
     labels: strongestLabels(answer.points, 6, wavelengths ? 0 : 4), decimals: wavelengths ? 0 : 4,
   });

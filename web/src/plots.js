@@ -127,13 +127,15 @@ export function plot(container, points, options) {
 }
 
 // The strongest points, labelled with their x unless a stronger label stands within 6% of the
-// shown range (so that an isotope cluster is not a pile of labels).
+// shown range (so that an isotope cluster is not a pile of labels); noise under 5% of the
+// strongest point is not labelled, as in the tool's figures.
 export function strongestLabels(points, count = 6, decimals = 4) {
   const order = points.x.map((x, i) => i).sort((a, b) => points.y[b] - points.y[a]);
   const span = (points.x[points.x.length - 1] ?? 0) - (points.x[0] ?? 0) || 1;
+  const floor = 0.05 * (points.y[order[0]] ?? 0);
   const labels = [];
   for (const i of order) {
-    if (labels.length === count) break;
+    if (labels.length === count || points.y[i] < floor) break;
     if (labels.some((l) => Math.abs(l.x - points.x[i]) < 0.06 * span)) continue;
     labels.push({ x: points.x[i], y: points.y[i], text: points.x[i].toFixed(decimals) });
   }

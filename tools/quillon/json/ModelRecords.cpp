@@ -109,6 +109,16 @@ void PeakRecord(RecordSink& sink, const TraceKey& key, const CChromatogramPeak& 
     sink.Field("area_percent", peak.GetAreaPercentTotal());
 }
 
+bool IntensitiesArePercent(const CSpectrumData& spectrum) {
+    if (spectrum.UseCustomChartParams())
+        return true;
+    CPeakData point;
+    for (int i = 0; i < spectrum.GetNumPeaks(); ++i)
+        if (spectrum.GetPeak(i, point) && point.GetIntensity() > 100.0f)
+            return false;
+    return true;
+}
+
 void SpectrumRecord(RecordSink& sink, int sample, int function, const CSpectrumData& spectrum) {
     sink.Field("sample", sample);
     sink.Field("function", function);

@@ -44,6 +44,10 @@ void TracePointRecord(RecordSink& sink, const TraceKey& key, float time, float i
 // height, width, area_percent.
 void PeakRecord(RecordSink& sink, const TraceKey& key, const CChromatogramPeak& peak);
 
+// The spectrum's intensities are percentages of its base peak: custom chart parameters are in
+// force, or no point rises above 100. Figures and the page name their y axis by it.
+bool IntensitiesArePercent(const CSpectrumData& spectrum);
+
 // sample, function, peak_id, cluster, trace, time_min, points.
 void SpectrumRecord(RecordSink& sink, int sample, int function, const CSpectrumData& spectrum);
 

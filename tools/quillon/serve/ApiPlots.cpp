@@ -108,6 +108,7 @@ nlohmann::json SpectrumAnswer(CSampleData& sample, std::string_view segment, con
     const CChromatoData* trace =
         spectrum->GetTraceNumber() > 0 ? sample.GetTrace(spectrum->GetTraceNumber()) : nullptr;
     return {{"x_axis", trace != nullptr && trace->IsPDA() ? "wavelength_nm" : "mz"},
+            {"relative_intensity", IntensitiesArePercent(*spectrum)},
             {"spectrum", RecordJson([&](RecordSink& sink) {
                  SpectrumRecord(sink, sample.GetNumber(), functionNumber, *spectrum);
              })},
