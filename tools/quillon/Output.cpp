@@ -35,6 +35,12 @@ Output::~Output() {
 }
 
 void Output::Write(std::string_view text) {
+    if (m_buffer.empty() && text.size() >= kBlock) {
+        // A whole block already: no copy through the buffer.
+        if (std::fwrite(text.data(), 1, text.size(), m_stream) != text.size())
+            m_failed = true;
+        return;
+    }
     m_buffer.append(text);
     if (m_buffer.size() >= kBlock)
         Flush();

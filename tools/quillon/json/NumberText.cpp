@@ -10,14 +10,20 @@ namespace quillon::tool {
 namespace {
 
 template <class Number>
-bool AppendWithCharconv(std::string& out, Number value) {
+char* WriteWithCharconv(char* out, Number value) {
     if (!std::isfinite(value))
+        return nullptr;
+    const auto [end, error] = std::to_chars(out, out + kShortestRoom, value);
+    return error == std::errc() ? end : nullptr;
+}
+
+template <class Number>
+bool AppendText(std::string& out, Number value) {
+    char text[kShortestRoom];
+    const char* end = WriteShortest(text, value);
+    if (end == nullptr)
         return false;
-    char text[32];
-    const auto [end, error] = std::to_chars(text, text + sizeof text, value);
-    if (error != std::errc())
-        return false;
-    out.append(text, end);
+    out.append(text, static_cast<size_t>(end - text));
     return true;
 }
 
@@ -28,21 +34,29 @@ bool IsFloatValue(double value) {
 
 } // namespace
 
+char* WriteShortest(char* out, float value) {
+    return WriteWithCharconv(out, value);
+}
+
+char* WriteShortest(char* out, double value) {
+    if (IsFloatValue(value))
+        return WriteWithCharconv(out, static_cast<float>(value));
+    return WriteWithCharconv(out, value);
+}
+
 bool AppendShortest(std::string& out, float value) {
-    return AppendWithCharconv(out, value);
+    return AppendText(out, value);
 }
 
 bool AppendShortest(std::string& out, double value) {
-    if (IsFloatValue(value))
-        return AppendWithCharconv(out, static_cast<float>(value));
-    return AppendWithCharconv(out, value);
+    return AppendText(out, value);
 }
 
 double AsShortestDouble(float value) {
-    char text[32];
-    const auto [end, error] = std::to_chars(text, text + sizeof text, value);
+    char text[kShortestRoom];
+    const char* end = WriteShortest(text, value);
     double widened = value;
-    if (error == std::errc())
+    if (end != nullptr)
         std::from_chars(text, end, widened);
     return widened;
 }
