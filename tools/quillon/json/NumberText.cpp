@@ -1,7 +1,11 @@
 #include "NumberText.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <system_error>
 
@@ -27,16 +31,105 @@ bool AppendText(std::string& out, Number value) {
     return true;
 }
 
-// A float that holds a whole number below 10^4 (a trace's intensity 33.0f) as that number, the
-// common case, without the general search for the shortest text: "33". Below 10^4 the plain
-// digits are always shorter than the scientific form. nullptr for every other value.
-char* WriteSmallWhole(char* out, float value) {
-    if (!(std::fabs(value) < 1e4f))
+constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3,  1e4,  1e5, 1e6,
+                                   1e7, 1e8, 1e9, 1e10, 1e11, 1e12};
+constexpr int kMostDecimals = 12;
+
+// For each float exponent, the most decimals d for which the float's spacing times 10^d is below
+// 1, so that at most one d-decimal number reads back to the float (-1 when even d = 0 fails).
+constexpr std::array<signed char, 256> kDecimalsFor = [] {
+    std::array<signed char, 256> table{};
+    for (int biased = 0; biased < 256; ++biased) {
+        double spacing = 1.0; // 2^(biased - 150), the spacing of floats with this exponent
+        for (int e = biased - 150; e > 0; --e)
+            spacing *= 2.0;
+        for (int e = biased - 150; e < 0; ++e)
+            spacing /= 2.0;
+        int decimals = -1;
+        while (decimals < kMostDecimals && spacing * kPowersOfTen[decimals + 1] < 1.0)
+            ++decimals;
+        table[static_cast<size_t>(biased)] = static_cast<signed char>(decimals);
+    }
+    return table;
+}();
+
+// The digits of number with a decimal point before the last decimals of them, at least one digit
+// before the point: (12345, 2) -> "123.45", (45, 3) -> "0.045". Returns the end.
+char* WriteDecimals(char* out, std::uint64_t number, int decimals) {
+    static constexpr std::uint64_t kPowers[] = {1,
+                                                10,
+                                                100,
+                                                1000,
+                                                10000,
+                                                100000,
+                                                1000000,
+                                                10000000,
+                                                100000000,
+                                                1000000000,
+                                                10000000000,
+                                                100000000000,
+                                                1000000000000,
+                                                10000000000000,
+                                                100000000000000,
+                                                1000000000000000,
+                                                10000000000000000,
+                                                100000000000000000,
+                                                1000000000000000000};
+    // The number of digits: about bits * log10(2), one more when the number reaches the next power.
+    int digits = (std::bit_width(number) * 1233) >> 12;
+    digits += digits < 19 && number >= kPowers[digits];
+    const int whole = std::max(digits - decimals, 1);
+    char* end = out + whole + (decimals > 0 ? decimals + 1 : 0);
+    char* at = end;
+    for (int i = 0; i < decimals; ++i, number /= 10)
+        *--at = static_cast<char>('0' + number % 10);
+    if (decimals > 0)
+        *--at = '.';
+    do {
+        *--at = static_cast<char>('0' + number % 10);
+        number /= 10;
+    } while (number > 0);
+    return end;
+}
+
+// The text std::to_chars gives a float of magnitude in [0.01, 2^22) with few enough digits, found
+// without its general search. With d the most decimals of kDecimalsFor, the integer n nearest
+// value * 10^d is the only d-decimal candidate; when it reads back to value, n with its trailing
+// zeros dropped is the shortest text, and the nearest to value. value * 10^d and the edges of the
+// interval that reads back to value (value plus or minus half the spacing, times 10^d) are exact in
+// a double for d <= 12 (25 significant bits times 5^d < 2^28). The cases that would need more care
+// give nullptr, for std::to_chars: a power of two (its interval is lopsided), a candidate on the
+// interval's edge or halfway between two integers, more digits than d decimals, and a whole number
+// from 10^4 up ending in 0 (which may be shorter in scientific notation).
+// 260.7292f: d = 4, n = 2607292 -> "260.7292"; 33.0f: d = 5, n = 3300000 -> "33".
+char* WriteFewDigits(char* out, float value) {
+    const float magnitude = std::fabs(value);
+    if (!(magnitude >= 0.01f && magnitude < 4194304.0f))
         return nullptr;
-    const auto whole = static_cast<int>(value);
-    if (static_cast<float>(whole) != value || (whole == 0 && std::signbit(value)))
+    const auto bits = std::bit_cast<std::uint32_t>(magnitude);
+    int decimals = kDecimalsFor[bits >> 23];
+    if ((bits & 0x7fffffu) == 0 || decimals < 0)
         return nullptr;
-    return std::to_chars(out, out + kShortestRoom, whole).ptr;
+    const double exact = magnitude;
+    const double half = (static_cast<double>(std::bit_cast<float>(bits + 1)) - exact) / 2;
+    const double scale = kPowersOfTen[decimals];
+    const double scaled = exact * scale;
+    const auto below = static_cast<std::int64_t>(scaled);
+    const double fraction = scaled - static_cast<double>(below);
+    std::int64_t nearest = below + (fraction > 0.5);
+    const double candidate = static_cast<double>(nearest);
+    if (fraction == 0.5 ||
+        !(candidate > (exact - half) * scale && candidate < (exact + half) * scale))
+        return nullptr;
+    while (decimals > 0 && nearest % 10 == 0) {
+        nearest /= 10;
+        --decimals;
+    }
+    if (decimals == 0 && magnitude >= 1e4f && nearest % 10 == 0)
+        return nullptr;
+    if (value < 0)
+        *out++ = '-';
+    return WriteDecimals(out, static_cast<std::uint64_t>(nearest), decimals);
 }
 
 bool IsFloatValue(double value) {
@@ -47,7 +140,7 @@ bool IsFloatValue(double value) {
 } // namespace
 
 char* WriteShortest(char* out, float value) {
-    char* end = WriteSmallWhole(out, value);
+    char* end = WriteFewDigits(out, value);
     return end != nullptr ? end : WriteWithCharconv(out, value);
 }
 
@@ -79,7 +172,11 @@ double AsShortestDouble(double value) {
 }
 
 bool LooksIntegral(std::string_view text) {
-    return text.find_first_of(".eE") == std::string_view::npos;
+    // A plain loop: find_first_of would search the three characters once per character.
+    for (const char ch : text)
+        if (ch == '.' || ch == 'e' || ch == 'E')
+            return false;
+    return true;
 }
 
 } // namespace quillon::tool
