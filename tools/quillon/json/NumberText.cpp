@@ -1,11 +1,11 @@
 #include "NumberText.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <system_error>
 
@@ -53,61 +53,46 @@ constexpr std::array<signed char, 256> kDecimalsFor = [] {
     return table;
 }();
 
-// The digits of number with a decimal point before the last decimals of them, at least one digit
-// before the point: (12345, 2) -> "123.45", (45, 3) -> "0.045". Returns the end.
-char* WriteDecimals(char* out, std::uint64_t number, int decimals) {
-    static constexpr std::uint64_t kPowers[] = {1,
-                                                10,
-                                                100,
-                                                1000,
-                                                10000,
-                                                100000,
-                                                1000000,
-                                                10000000,
-                                                100000000,
-                                                1000000000,
-                                                10000000000,
-                                                100000000000,
-                                                1000000000000,
-                                                10000000000000,
-                                                100000000000000,
-                                                1000000000000000,
-                                                10000000000000000,
-                                                100000000000000000,
-                                                1000000000000000000};
-    // The number of digits: about bits * log10(2), one more when the number reaches the next power.
-    int digits = (std::bit_width(number) * 1233) >> 12;
-    digits += digits < 19 && number >= kPowers[digits];
-    const int whole = std::max(digits - decimals, 1);
-    char* end = out + whole + (decimals > 0 ? decimals + 1 : 0);
+constexpr std::uint64_t kPowersOfTenInt[] = {
+    1,        10,        100,        1000,        10000,        100000,       1000000,
+    10000000, 100000000, 1000000000, 10000000000, 100000000000, 1000000000000};
+
+// Writes fraction as exactly places digits, leading zeros included, two at a time from the end:
+// (45, 4) -> "0045". Returns the end.
+char* WritePlaces(char* out, std::uint64_t fraction, int places) {
+    static constexpr char kPairs[] =
+        "00010203040506070809101112131415161718192021222324252627282930"
+        "31323334353637383940414243444546474849505152535455565758596061"
+        "6263646566676869707172737475767778798081828384858687888990919293"
+        "949596979899";
+    char* end = out + places;
     char* at = end;
-    for (int i = 0; i < decimals; ++i, number /= 10)
-        *--at = static_cast<char>('0' + number % 10);
-    if (decimals > 0)
-        *--at = '.';
-    do {
-        *--at = static_cast<char>('0' + number % 10);
-        number /= 10;
-    } while (number > 0);
+    for (; places >= 2; places -= 2, fraction /= 100) {
+        at -= 2;
+        std::memcpy(at, kPairs + 2 * (fraction % 100), 2);
+    }
+    if (places == 1)
+        *--at = static_cast<char>('0' + fraction);
     return end;
 }
 
 // The text std::to_chars gives a float of magnitude in [0.01, 2^22) with few enough digits, found
 // without its general search. With d the most decimals of kDecimalsFor, the integer n nearest
-// value * 10^d is the only d-decimal candidate; when it reads back to value, n with its trailing
-// zeros dropped is the shortest text, and the nearest to value. value * 10^d and the edges of the
-// interval that reads back to value (value plus or minus half the spacing, times 10^d) are exact in
-// a double for d <= 12 (25 significant bits times 5^d < 2^28). The cases that would need more care
-// give nullptr, for std::to_chars: a power of two (its interval is lopsided), a candidate on the
-// interval's edge or halfway between two integers, more digits than d decimals, and a whole number
-// from 10^4 up ending in 0 (which may be shorter in scientific notation).
+// value * 10^d is the only d-decimal candidate; when it reads back to value, n / 10^d with its
+// trailing zeros dropped is the shortest text, and the nearest to value. value * 10^d and the
+// edges of the interval that reads back to value (value plus or minus half the spacing, times
+// 10^d) are exact in a double for d <= 12 (25 significant bits times 5^d < 2^28). The cases that
+// would need more care give nullptr, for std::to_chars: a power of two (its interval is
+// lopsided), a candidate on the interval's edge or halfway between two integers, more digits
+// than d decimals, and a whole number from 10^4 up ending in 0 (which may be shorter in
+// scientific notation).
 // 260.7292f: d = 4, n = 2607292 -> "260.7292"; 33.0f: d = 5, n = 3300000 -> "33".
 char* WriteFewDigits(char* out, float value) {
     const float magnitude = std::fabs(value);
     if (!(magnitude >= 0.01f && magnitude < 4194304.0f))
         return nullptr;
     const auto bits = std::bit_cast<std::uint32_t>(magnitude);
-    int decimals = kDecimalsFor[bits >> 23];
+    const int decimals = kDecimalsFor[bits >> 23];
     if ((bits & 0x7fffffu) == 0 || decimals < 0)
         return nullptr;
     const double exact = magnitude;
@@ -115,21 +100,31 @@ char* WriteFewDigits(char* out, float value) {
     const double scale = kPowersOfTen[decimals];
     const double scaled = exact * scale;
     const auto below = static_cast<std::int64_t>(scaled);
-    const double fraction = scaled - static_cast<double>(below);
-    std::int64_t nearest = below + (fraction > 0.5);
+    const double rest = scaled - static_cast<double>(below);
+    const std::int64_t nearest = below + (rest > 0.5);
     const double candidate = static_cast<double>(nearest);
-    if (fraction == 0.5 ||
-        !(candidate > (exact - half) * scale && candidate < (exact + half) * scale))
+    if (rest == 0.5 || !(candidate > (exact - half) * scale && candidate < (exact + half) * scale))
         return nullptr;
-    while (decimals > 0 && nearest % 10 == 0) {
-        nearest /= 10;
-        --decimals;
+    // The whole part from the float itself; rounding up may carry into it.
+    const std::uint64_t power = kPowersOfTenInt[decimals];
+    auto whole = static_cast<std::uint64_t>(magnitude);
+    std::uint64_t fraction = static_cast<std::uint64_t>(nearest) - whole * power;
+    if (fraction >= power) {
+        ++whole;
+        fraction -= power;
     }
-    if (decimals == 0 && magnitude >= 1e4f && nearest % 10 == 0)
+    if (fraction == 0 && magnitude >= 1e4f && whole % 10 == 0)
         return nullptr;
     if (value < 0)
         *out++ = '-';
-    return WriteDecimals(out, static_cast<std::uint64_t>(nearest), decimals);
+    out = std::to_chars(out, out + kShortestRoom, whole).ptr;
+    if (fraction == 0)
+        return out;
+    *out++ = '.';
+    char* end = WritePlaces(out, fraction, decimals);
+    while (end[-1] == '0')
+        --end;
+    return end;
 }
 
 bool IsFloatValue(double value) {
