@@ -4,6 +4,7 @@
 #include "NumberText.h"
 
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 
 namespace quillon::tool {
@@ -27,9 +28,31 @@ size_t StringRoom(std::string_view text) {
     return 6 * text.size() + 2;
 }
 
+// True when none of the 8 bytes of word is a control character, a quote or a backslash: for
+// each, a byte below 0x20 (or equal to 0 after the xor) borrows into its top bit.
+bool PlainBytes(std::uint64_t word) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    constexpr std::uint64_t kTops = 0x8080808080808080;
+    const auto below = [](std::uint64_t bytes, std::uint64_t limit) {
+        return (bytes - kOnes * limit) & ~bytes & kTops;
+    };
+    return (below(word, 0x20) | below(word ^ (kOnes * '"'), 1) | below(word ^ (kOnes * '\\'), 1)) ==
+           0;
+}
+
 char* PutString(char* out, std::string_view text) {
     static constexpr char kHex[] = "0123456789abcdef";
     *out++ = '"';
+    // Eight plain characters at a time, then one at a time.
+    while (text.size() >= 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data(), 8);
+        if (!PlainBytes(word))
+            break;
+        std::memcpy(out, &word, 8);
+        out += 8;
+        text.remove_prefix(8);
+    }
     for (const char ch : text) {
         const auto byte = static_cast<unsigned char>(ch);
         if (byte >= 0x20 && ch != '"' && ch != '\\') {

@@ -105,14 +105,11 @@ char* WriteFewDigits(char* out, float value) {
     const double candidate = static_cast<double>(nearest);
     if (rest == 0.5 || !(candidate > (exact - half) * scale && candidate < (exact + half) * scale))
         return nullptr;
-    // The whole part from the float itself; rounding up may carry into it.
-    const std::uint64_t power = kPowersOfTenInt[decimals];
-    auto whole = static_cast<std::uint64_t>(magnitude);
-    std::uint64_t fraction = static_cast<std::uint64_t>(nearest) - whole * power;
-    if (fraction >= power) {
-        ++whole;
-        fraction -= power;
-    }
+    // The whole part from the float itself: rounding never carries into it, for a whole number
+    // next to value is a float of its own, outside value's interval.
+    const auto whole = static_cast<std::uint64_t>(magnitude);
+    const std::uint64_t fraction =
+        static_cast<std::uint64_t>(nearest) - whole * kPowersOfTenInt[decimals];
     if (fraction == 0 && magnitude >= 1e4f && whole % 10 == 0)
         return nullptr;
     if (value < 0)
