@@ -86,9 +86,15 @@ char* WritePlaces(char* out, std::uint64_t fraction, int places) {
 // lopsided), a candidate on the interval's edge or halfway between two integers, more digits
 // than d decimals, and a whole number from 10^4 up ending in 0 (which may be shorter in
 // scientific notation).
-// 260.7292f: d = 4, n = 2607292 -> "260.7292"; 33.0f: d = 5, n = 3300000 -> "33".
+// 260.7292f: d = 4, n = 2607292 -> "260.7292"; a whole number is its digits: 33.0f -> "33".
 char* WriteFewDigits(char* out, float value) {
     const float magnitude = std::fabs(value);
+    // Whole numbers below 10^4 (most intensities) first, the cheapest test.
+    if (magnitude >= 1.0f && magnitude < 1e4f) {
+        const auto whole = static_cast<int>(value);
+        if (static_cast<float>(whole) == value)
+            return std::to_chars(out, out + kShortestRoom, whole).ptr;
+    }
     if (!(magnitude >= 0.01f && magnitude < 4194304.0f))
         return nullptr;
     const auto bits = std::bit_cast<std::uint32_t>(magnitude);
