@@ -95,6 +95,13 @@ char* PutFloat(char* out, Number value) {
 }
 
 char* PutInteger(char* out, long long value) {
+    // Sample, function and trace numbers are mostly one or two digits.
+    if (value >= 0 && value < 100) {
+        if (value >= 10)
+            *out++ = static_cast<char>('0' + value / 10);
+        *out++ = static_cast<char>('0' + value % 10);
+        return out;
+    }
     return std::to_chars(out, out + kNumberRoom, value).ptr;
 }
 
