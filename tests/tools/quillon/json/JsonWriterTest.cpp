@@ -71,7 +71,8 @@ TEST(JsonWriterTest, RecordsOnLinesOfTheirOwnWithEveryKindOfValue) {
     });
     const std::string row = R"("big":1152921504606846976,"f":100.0,"d":0.1,"e":1e+21,"nan":null,)"
                             R"("inf":null,"none":null,)";
-    const std::string lists = R"("masses":[301.1,0.0,null],"clusters":[3,-4,0,9,10,99,100],"empty":[]})";
+    const std::string lists =
+        R"("masses":[301.1,0.0,null],"clusters":[3,-4,0,9,10,99,100],"empty":[]})";
     EXPECT_EQ(document, "{\n\"report\":\"a.txt\",\n\"rows\":[\n{\"i\":1," + row + "\"yes\":true," +
                             lists + ",\n{\"i\":2," + row + "\"yes\":false," + lists +
                             "],\n\"nested\":[\n[],\n{}]}");
