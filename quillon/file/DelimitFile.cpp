@@ -176,6 +176,56 @@ int CDelimitFile::ReadFieldViews(std::string_view* fields, int maxFields, int* t
     std::string_view line;
     if (!ReadLineView(line))
         return -1;
+    return SplitFieldViews(line, fields, maxFields, type);
+}
+
+int CDelimitFile::ReadNumberPairViews(std::string_view* fields, double* numbers, bool& parsed,
+                                      int* type) {
+    std::string_view line;
+    if (!ReadLineView(line))
+        return -1;
+    parsed = ParsePlainPair(line, fields, numbers);
+    if (!parsed)
+        return SplitFieldViews(line, fields, 2, type);
+    if (type != nullptr)
+        *type = RECORD_FIELD;
+    UpdateStatus();
+    return 2;
+}
+
+bool CDelimitFile::ParsePlainPair(std::string_view line, std::string_view* fields,
+                                  double* numbers) const {
+    const auto isDigit = [](char ch) { return ch >= '0' && ch <= '9'; };
+    // A number parsed from the line stops where its field ends only when the delimiter cannot be
+    // part of a number.
+    if (m_delimiters.GetLength() != 1 || line.empty() || !isDigit(line.front()) ||
+        MayStartMarker(line.front()))
+        return false;
+    const char delimiter = m_delimiters[0];
+    if (isDigit(delimiter) || (delimiter >= 'a' && delimiter <= 'z') ||
+        (delimiter >= 'A' && delimiter <= 'Z') || delimiter == '.' || delimiter == '+' ||
+        delimiter == '-')
+        return false;
+    size_t firstUsed = 0;
+    const double first = ParseDouble(line, firstUsed);
+    if (firstUsed >= line.size() || line[firstUsed] != delimiter)
+        return false;
+    const std::string_view rest = line.substr(firstUsed + 1);
+    if (rest.empty() || !isDigit(rest.front()))
+        return false;
+    size_t secondUsed = 0;
+    const double second = ParseDouble(rest, secondUsed);
+    if (secondUsed < rest.size() && rest[secondUsed] != delimiter)
+        return false;
+    fields[0] = line.substr(0, firstUsed);
+    fields[1] = rest.substr(0, secondUsed);
+    numbers[0] = first;
+    numbers[1] = second;
+    return true;
+}
+
+int CDelimitFile::SplitFieldViews(std::string_view line, std::string_view* fields, int maxFields,
+                                  int* type) {
     // The fields are cut as SplitInto cuts them; only the first maxFields are kept.
     const std::string_view delimiters = m_delimiters.view();
     // Fields are short: with one delimiter a plain scan beats a library search per field.

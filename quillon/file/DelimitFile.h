@@ -63,6 +63,13 @@ public:
     // or -1 at end of file. Calls UpdateStatus. For readers of long runs of number lines.
     //   "12.5\t300\t7" with maxFields 2 -> 2, {"12.5", "300"}, RECORD_FIELD
     int ReadFieldViews(std::string_view* fields, int maxFields, int* type);
+    // ReadFieldViews with maxFields 2, for blocks of number pairs: a line that is plainly a pair
+    // (a digit first, each number ending at a single delimiter or the line's end) is parsed in
+    // the same pass, numbers[0] and numbers[1] as ParseDouble gives them and parsed true; any
+    // other line is split as ReadFieldViews splits it, parsed false. The fields are set either way.
+    //   "12.5\t300" -> 2, {"12.5", "300"}, {12.5, 300.0}, parsed, RECORD_FIELD
+    //   "12.5\t300x" -> 2, {"12.5", "300x"}, not parsed, RECORD_FIELD
+    int ReadNumberPairViews(std::string_view* fields, double* numbers, bool& parsed, int* type);
     // Called after every line ReadDelimitedString reads; a derived file can report progress here.
     virtual void UpdateStatus() {}
 
@@ -144,6 +151,11 @@ private:
     bool MayStartMarker(char first) const {
         return m_markerStart[static_cast<unsigned char>(first)];
     }
+    // Splits and classifies a line as ReadFieldViews does, then calls UpdateStatus.
+    int SplitFieldViews(std::string_view line, std::string_view* fields, int maxFields, int* type);
+    // The plain pair of numbers of ReadNumberPairViews; false, with nothing set, for any other
+    // line.
+    bool ParsePlainPair(std::string_view line, std::string_view* fields, double* numbers) const;
     // True when the line is a section header (the header rule of ClassifyLine).
     bool IsSectionHeader(std::string_view line) const;
     void WriteLine(const CString& text);

@@ -88,13 +88,20 @@ bool CFileRecord::ReadNumberPair(CDelimitFile* file, double& first, double& seco
     if (file == nullptr)
         return false;
     std::string_view fields[2];
+    double numbers[2];
+    bool parsed = false;
     int type = RECORD_EMPTY;
     int count = 0;
-    while ((count = file->ReadFieldViews(fields, 2, &type)) >= 0) {
+    while ((count = file->ReadNumberPairViews(fields, numbers, parsed, &type)) >= 0) {
         switch (type) {
         case RECORD_FIELD:
             if (m_depth >= 2)
                 break;
+            if (parsed) {
+                first = numbers[0];
+                second = numbers[1];
+                return true;
+            }
             if (count == 2) {
                 size_t firstUsed = 0;
                 size_t secondUsed = 0;

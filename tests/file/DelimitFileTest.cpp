@@ -1,4 +1,5 @@
 #include <quillon/file/DelimitFile.h>
+#include <quillon/platform/Numbers.h>
 
 #include "support/TempFile.h"
 
@@ -291,4 +292,74 @@ TEST(DelimitFileTest, UpdateStatusRunsOncePerLineRead) {
     while (in.ReadDelimitedString(fields, &type)) {
     }
     EXPECT_EQ(in.m_lines, 3);
+}
+
+TEST(DelimitFileTest, NumberPairViewsAgreeWithFieldViews) {
+    // Plain pairs are parsed in passing; every other line is split as ReadFieldViews splits it.
+    const std::vector<std::pair<std::string, bool>> lines = {{"12.5\t300", true},
+                                                             {"0\t0", true},
+                                                             {"1.5\t2\t3", true},
+                                                             {"1e5\t2", true},
+                                                             {"0x10\t5", true},
+                                                             {"1e400\t1", true},
+                                                             {"7\t8x", false},
+                                                             {"12\t", false},
+                                                             {"1.5\t\t2", false},
+                                                             {"-1.5\t2", false},
+                                                             {" 3\t4", false},
+                                                             {"5\t 6", false},
+                                                             {"9\t-1", false},
+                                                             {"1.5x\t2", false},
+                                                             {"7,5\t8", false},
+                                                             {"\t5\t6", false},
+                                                             {"nan\t1", false},
+                                                             {"[MS]", false},
+                                                             {"{", false},
+                                                             {"}", false},
+                                                             {";1\t2", false},
+                                                             {"", false},
+                                                             {"12345678901234567890\t5", true},
+                                                             {"1\t.5", false},
+                                                             {"3\t4 ", false},
+                                                             {"1.\t2.", true},
+                                                             {"00012.50\t0003", true}};
+    std::string text;
+    for (const auto& [line, plain] : lines)
+        text += line + "\n";
+    TempFile file;
+    file.Write(text);
+    for (const auto& [delimiters, skip] :
+         {std::pair<const char*, int>{"\t", 0}, {"\t", 1}, {"\t,", 0}, {".", 0}}) {
+        CDelimitFile byFields(file.c_str(), CFile::modeRead);
+        CDelimitFile byPairs(file.c_str(), CFile::modeRead);
+        for (CDelimitFile* each : {&byFields, &byPairs}) {
+            each->SetDelimiters(delimiters);
+            each->SetSkipMultipleDelimiters(skip);
+        }
+        for (const auto& [line, plain] : lines) {
+            std::string_view fields[2];
+            std::string_view pairFields[2];
+            double numbers[2] = {-1.0, -1.0};
+            bool parsed = false;
+            int type = -1;
+            int pairType = -1;
+            const int count = byFields.ReadFieldViews(fields, 2, &type);
+            ASSERT_EQ(byPairs.ReadNumberPairViews(pairFields, numbers, parsed, &pairType), count)
+                << line;
+            EXPECT_EQ(pairType, type) << line;
+            for (int k = 0; k < count; ++k)
+                EXPECT_EQ(pairFields[k], fields[k]) << line;
+            // Only a single delimiter that no number holds lets a pair be parsed in passing.
+            EXPECT_EQ(parsed, plain && std::string_view(delimiters) == "\t") << line;
+            for (int k = 0; parsed && k < 2; ++k) {
+                size_t used = 0;
+                EXPECT_EQ(numbers[k], ParseDouble(fields[k], used)) << line;
+                EXPECT_EQ(used, fields[k].size()) << line;
+            }
+        }
+        std::string_view fields[2];
+        double numbers[2];
+        bool parsed = true;
+        EXPECT_EQ(byPairs.ReadNumberPairViews(fields, numbers, parsed, nullptr), -1);
+    }
 }

@@ -35,15 +35,24 @@ Output::~Output() {
 }
 
 void Output::Write(std::string_view text) {
+    if (text.size() >= kBlock / 2) {
+        // Large enough to go out as it is, after what is buffered: no copy through the buffer.
+        Flush();
+        Put(text);
+        return;
+    }
     m_buffer.append(text);
     if (m_buffer.size() >= kBlock)
         Flush();
 }
 
-void Output::Flush() {
-    if (!m_buffer.empty() &&
-        std::fwrite(m_buffer.data(), 1, m_buffer.size(), m_stream) != m_buffer.size())
+void Output::Put(std::string_view text) {
+    if (!text.empty() && std::fwrite(text.data(), 1, text.size(), m_stream) != text.size())
         m_failed = true;
+}
+
+void Output::Flush() {
+    Put(m_buffer);
     m_buffer.clear();
 }
 

@@ -29,6 +29,8 @@ public:
 
 private:
     void Flush();
+    // Hands text to the stream unbuffered; a failure is remembered for Close.
+    void Put(std::string_view text);
 
     std::string m_path;
     std::unique_ptr<CAtomicFile> m_file;

@@ -10,9 +10,14 @@
 //     json.BeginRow(); SampleRecord(json, sample); json.EndRow();   // {"sample":1,...}
 //     json.EndArray();
 //     json.EndObject();
+//
+// Values: null for Null and for NaN or infinities; floats and doubles in their shortest text, with
+// ".0" when that text is a whole number so that a reader keeps them floats (100.0f -> 100.0,
+// 0.1 -> 0.1); texts quoted, with quotes, backslashes and control characters escaped ("a\tb").
 
 #include "Record.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,14 +25,14 @@ namespace quillon::tool {
 
 class Output;
 
-class JsonWriter : public RowSink {
+class JsonWriter final : public RowSink {
 public:
     explicit JsonWriter(Output& output);
 
-    void BeginObject();
-    void EndObject();
-    void BeginArray();
-    void EndArray();
+    void BeginObject() { Open('{', false); }
+    void EndObject() { Close('}'); }
+    void BeginArray() { Open('[', true); }
+    void EndArray() { Close(']'); }
     // The key of the next value inside an object.
     void Key(std::string_view key);
     void Value(const FieldValue& value);
@@ -42,23 +47,26 @@ public:
     void Flush();
 
 private:
-    void BeforeValue();
+    void Open(char bracket, bool array);
+    void Close(char bracket);
+    // Writes at out what comes before a value: a comma after an earlier value of the same object
+    // or array, a line break when the value starts a line of its own. Returns the new end.
+    char* Separate(char* out);
+    // Room for at least bytes more characters at the end of the pending text, which is handed to
+    // the output first when it is full; Commit(end) then keeps what was written up to end.
+    char* Room(size_t bytes);
+    void Commit(char* end) { m_used = static_cast<size_t>(end - m_text.get()); }
 
     Output& m_output;
-    std::string m_text;
+    std::unique_ptr<char[]> m_text; // the pending text, m_used of m_capacity characters
+    size_t m_used = 0;
+    size_t m_capacity = 0;
     struct Level {
-        bool first; // nothing written in it yet
-        bool array;
+        bool first;   // nothing written in it yet
+        bool ownLine; // each value starts a line
     };
     std::vector<Level> m_levels; // the open objects and arrays, outermost first
     bool m_afterKey = false;
 };
-
-// Appends value as JSON text: null for Null and for NaN or infinities; floats and doubles in their
-// shortest text, with ".0" when that text is a whole number so that a reader keeps them floats.
-void AppendJson(std::string& out, const FieldValue& value);
-// Appends text as a JSON string with its quotes, escaping quotes, backslashes and control
-// characters.
-void AppendJsonString(std::string& out, std::string_view text);
 
 } // namespace quillon::tool

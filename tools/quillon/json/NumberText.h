@@ -2,6 +2,7 @@
 
 // Numbers as the shortest text that reads back to the stored value of their own type.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,14 @@ namespace quillon::tool {
 // Returns false and appends nothing for NaN and infinities.
 bool AppendShortest(std::string& out, float value);
 bool AppendShortest(std::string& out, double value);
+
+// The most characters WriteShortest writes ("-2.2250738585072014e-308" is 24).
+constexpr size_t kShortestRoom = 32;
+
+// Writes the text AppendShortest appends at out, which has room for kShortestRoom characters, and
+// returns its end; nullptr (and nothing written) for NaN and infinities.
+char* WriteShortest(char* out, float value);
+char* WriteShortest(char* out, double value);
 
 // A float as the double whose shortest text is the float's, for documents that hold doubles only
 // (nlohmann::json): 260.7292f -> 260.7292, which prints as "260.7292". A double that holds a
