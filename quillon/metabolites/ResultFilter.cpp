@@ -29,8 +29,8 @@ std::string ResultFilterProblem(const CResultFilter& filter, FilterSettingName n
         return name("area_unexpected_only") + " needs " + name("area") + " or " +
                name("relative_area");
     if (filter.time && !(IsLimit(filter.time->first) && IsLimit(filter.time->second) &&
-                         filter.time->first < filter.time->second))
-        return name("time") + " takes a low time below a high one, both 0 or more";
+                         filter.time->first <= filter.time->second))
+        return name("time") + " takes a low time not above a high one, both 0 or more";
     return "";
 }
 

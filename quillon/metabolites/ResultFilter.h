@@ -34,8 +34,8 @@ struct CResultFilter {
 using FilterSettingName = std::string (*)(std::string_view key);
 
 // Why the filter cannot be applied ("" when it can), naming the setting by name(): a negative or
-// non-finite limit, a mass defect of 1 Da or more, a time range that is not low below high, both
-// area limits, or areaUnexpectedOnly without one.
+// non-finite limit, a mass defect of 1 Da or more, a time range whose low end is above its high,
+// both area limits, or areaUnexpectedOnly without one.
 std::string ResultFilterProblem(const CResultFilter& filter, FilterSettingName name);
 
 // The filter as the library's parameter record; the filter must have no ResultFilterProblem.
