@@ -25,8 +25,14 @@ void CMetabolicStabilityInfo::Evaluate(const std::vector<std::vector<double>>& f
         times.push_back(point.time);
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());
+    EvaluatePercentages();
+    EvaluateFit();
+    EvaluateFormation(formationAmounts);
+}
 
-    // Initial amount: the mean over the earliest time's samples that have an amount.
+// Initial amount: the mean over the earliest time's samples that have an amount; each point's
+// percentage of it, and their mean at each time.
+void CMetabolicStabilityInfo::EvaluatePercentages() {
     const bool anyAmount =
         std::any_of(points.begin(), points.end(), [](const Point& p) { return p.hasAmount; });
     if (!anyAmount)
@@ -58,8 +64,11 @@ void CMetabolicStabilityInfo::Evaluate(const std::vector<std::vector<double>>& f
         if (perTime[t] > 0)
             meanPercentRemaining[t] /= perTime[t];
     }
+}
 
-    // The fit over the samples with a positive amount.
+// The fit over the samples with a positive amount, the half-life with its interval and the
+// clearances.
+void CMetabolicStabilityInfo::EvaluateFit() {
     std::vector<double> x;
     std::vector<double> y;
     for (Point& point : points) {
@@ -105,8 +114,11 @@ void CMetabolicStabilityInfo::Evaluate(const std::vector<std::vector<double>>& f
             }
         }
     }
+}
 
-    // Formation: the mean amount of each metabolite at each time, and where it peaks.
+// Formation: the mean amount of each metabolite at each time, and where it peaks.
+void CMetabolicStabilityInfo::EvaluateFormation(
+    const std::vector<std::vector<double>>& formationAmounts) {
     for (size_t f = 0; f < formation.size() && f < formationAmounts.size(); ++f) {
         Formation& entry = formation[f];
         entry.amountAtTime.assign(times.size(), 0.0);

@@ -112,6 +112,11 @@ public:
     void Evaluate(const std::vector<std::vector<double>>& formationAmounts);
 
 private:
+    // The steps of Evaluate, in its order (each uses what the one before computed).
+    void EvaluatePercentages();
+    void EvaluateFit();
+    void EvaluateFormation(const std::vector<std::vector<double>>& formationAmounts);
+
     double m_meanTime = 0.0;              // of the points used in the fit
     double m_timeSumOfSquares = 0.0;      // Sxx of those times
     double m_residualStandardError = 0.0; // s of ln(amount) about the line
