@@ -26,6 +26,7 @@
 #include <quillon/chemistry/IsotopePatterns.h>
 
 #include <quillon/file/DelimitFile.h>
+#include <quillon/file/FieldFormat.h>
 #include <quillon/file/FileRecord.h>
 
 #include <quillon/acquisition/ChromatoData.h>
