@@ -9,7 +9,12 @@ namespace quillon::tool {
 
 namespace {
 
-const char* const kColours[] = {"#1f5fa8", "#c0392b", "#2e8b57", "#8e44ad", "#d35400", "#555"};
+// Ten colours that stay apart on screen and in print; series beyond them repeat the cycle.
+const char* const kColours[] = {"#1f5fa8", "#c0392b", "#2e8b57", "#8e44ad", "#d35400",
+                                "#555555", "#1a9bb0", "#b08a00", "#d6408f", "#7a4b2a"};
+const char* Colour(size_t series) {
+    return kColours[series % std::size(kColours)];
+}
 constexpr double kLabelFont = 11;
 constexpr double kTickFont = 12;
 constexpr double kAxisFont = 13;
@@ -27,6 +32,14 @@ struct Box {
 
 struct Segment {
     double x1, y1, x2, y2;
+};
+
+struct LegendEntry {
+    enum Kind { Line, Band, Point, Note };
+    std::string text;
+    Kind kind;
+    size_t colour;
+    double Width() const;
 };
 
 std::string Escape(const std::string& text) {
@@ -59,6 +72,10 @@ double TextWidth(const std::string& text, double fontSize) {
         return (static_cast<unsigned char>(ch) & 0xC0) != 0x80;
     });
     return 0.66 * fontSize * static_cast<double>(characters) + 2;
+}
+
+double LegendEntry::Width() const {
+    return TextWidth(text, kLabelFont) + (kind == Note ? 12 : 34);
 }
 
 std::string Number(double value) {
@@ -109,6 +126,8 @@ struct Axis {
     int exponent = 0;
     int decimals = 0;
 
+    // Ticks at least 70 pixels apart, at a step of 1, 2 or 5 times a power of ten, from a tick at
+    // or below low to one at or above high: 3.2-27.9 over 700 pixels gives 0-30 in steps of 5.
     static Axis Of(double low, double high, double pixels, bool wholeNumbers, bool fromZero) {
         Axis axis;
         if (fromZero)
@@ -152,8 +171,9 @@ struct Axis {
     }
     std::vector<double> Ticks() const {
         std::vector<double> ticks;
-        for (double v = min; v <= max + step * 1e-6; v += step)
-            ticks.push_back(std::fabs(v) < step * 1e-9 ? 0 : v);
+        const double last = std::floor(max / step + 1e-6);
+        for (double i = std::ceil(min / step - 1e-6); i <= last; ++i)
+            ticks.push_back(i == 0 ? 0 : i * step);
         return ticks;
     }
 };
@@ -197,7 +217,11 @@ private:
     void Layout();
     void WriteAxes();
     void WriteData();
-    void WriteLegend();
+    std::vector<LegendEntry> LegendEntries(double room) const;
+    // At most four tenths of the panel's width, beside the plot.
+    double LegendRoomBeside() const { return (m_area.right - m_area.left) * 0.4; }
+    bool WriteLegend();
+    void DrawLegend(const std::vector<LegendEntry>& entries, const Box& box);
     void WriteLabels();
     double X(double x) const {
         return m_plot.left + (x - m_x.min) / (m_x.max - m_x.min) * (m_plot.right - m_plot.left);
@@ -209,7 +233,8 @@ private:
     void Text(double x, double y, const std::string& text, double size, const char* anchor,
               const char* extra = "");
 
-    std::ostringstream& m_svg;
+    std::ostringstream& m_svg; // the figure's
+    std::ostringstream m_out;  // the panel's, added to the figure when it is complete
     const Chart& m_chart;
     Box m_area;
     Box m_plot{};
@@ -219,11 +244,15 @@ private:
     double m_subtitleSize = 12;
     std::vector<Box> m_taken;        // text, points, marks and the legend
     std::vector<Segment> m_segments; // lines, sticks and leaders
+    // Where the legend goes: inside the plot in a corner, inside above the data (whose range is
+    // stretched upwards to make room), or right of the plot (which is narrowed to make room).
+    enum class LegendPlace { Inside, AboveData, Beside };
+    LegendPlace m_legendPlace = LegendPlace::Inside;
 };
 
 void PanelWriter::Text(double x, double y, const std::string& text, double size, const char* anchor,
                        const char* extra) {
-    m_svg << "<text x=\"" << Number(x) << "\" y=\"" << Number(y) << "\" font-size=\"" << size
+    m_out << "<text x=\"" << Number(x) << "\" y=\"" << Number(y) << "\" font-size=\"" << size
           << "\" text-anchor=\"" << anchor << "\"" << extra << ">" << Escape(text) << "</text>\n";
 }
 
@@ -252,22 +281,35 @@ void PanelWriter::Layout() {
         top += 19 + (m_subtitleSize + 5) * static_cast<double>(m_subtitle.size() - 1);
     }
     const auto [xLow, xHigh, yLow, yHigh] = DataRange(m_chart);
-    const double plotHeight = m_area.bottom - 52 - top;
-    const double headroom = m_chart.labels.empty() ? 0.04 : 0.14;
+    m_plot = Box{m_area.left, top, m_area.right - 24, m_area.bottom - 52};
+    const double plotHeight = m_plot.bottom - m_plot.top;
     const double ySpan = yHigh - yLow > 0 ? yHigh - yLow : 1;
-    m_y = Axis::Of(m_chart.yFromZero ? yLow : yLow - ySpan * 0.04, yHigh + ySpan * headroom,
-                   plotHeight * 70 / 45, m_chart.wholeNumbersY, m_chart.yFromZero);
+    const double yBottom = m_chart.yFromZero ? std::min(yLow, 0.0) : yLow - ySpan * 0.04;
+    double yTop = yHigh + ySpan * (m_chart.labels.empty() ? 0.04 : 0.14);
+    if (m_legendPlace == LegendPlace::AboveData) {
+        const double legendHeight = 16.0 * static_cast<double>(LegendEntries(1e9).size()) + 20;
+        yTop = yBottom + (yTop - yBottom) / (1 - std::min(0.6, legendHeight / plotHeight));
+    }
+    m_y = Axis::Of(yBottom, yTop, plotHeight * 70 / 45, m_chart.wholeNumbersY, m_chart.yFromZero);
     double widest = 0;
     for (double tick : m_y.Ticks())
         widest = std::max(widest, TextWidth(m_y.Text(tick), kTickFont));
     const double left = m_area.left + widest + 34;
-    // Sticks and points at the ends of the range stand clear of the axes, but the margin never
-    // takes a range of times or masses below zero (which would round it out to a whole step).
+    m_plot.left = left;
+    if (m_legendPlace == LegendPlace::Beside) {
+        double widest = 0;
+        for (const LegendEntry& entry : LegendEntries(LegendRoomBeside()))
+            widest = std::max(widest, entry.Width());
+        m_plot.right = m_area.right - 16 - widest;
+    }
+    // The time or mass axis starts at a round tick and ends where the data does, a little past
+    // it when sticks or points stand at the end, so that none touches the axis; never below zero.
+    m_x = Axis::Of(xLow, xHigh, m_plot.right - left, false, false);
     const double xMargin =
         m_chart.sticks.empty() && m_chart.points.empty() ? 0 : (xHigh - xLow) * 0.03;
-    const double xFrom = xLow >= 0 ? std::max(0.0, xLow - xMargin) : xLow - xMargin;
-    m_x = Axis::Of(xFrom, xHigh + xMargin, m_area.right - 24 - left, false, false);
-    m_plot = Box{left, top, m_area.right - 24, m_area.bottom - 52};
+    if (xHigh > xLow)
+        m_x.max = xHigh + xMargin;
+    m_x.min = std::min(m_x.min, xLow >= 0 ? std::max(0.0, xLow - xMargin) : xLow - xMargin);
 }
 
 void PanelWriter::WriteAxes() {
@@ -280,17 +322,17 @@ void PanelWriter::WriteAxes() {
              m_plot.top - 14 -
                  (m_subtitleSize + 5) * static_cast<double>(m_subtitle.size() - 1 - i),
              m_subtitle[i], m_subtitleSize, "middle", " fill=\"#444\"");
-    m_svg << "<g stroke=\"#222\">\n<line x1=\"" << m_plot.left << "\" y1=\"" << m_plot.bottom
+    m_out << "<g stroke=\"#222\">\n<line x1=\"" << m_plot.left << "\" y1=\"" << m_plot.bottom
           << "\" x2=\"" << m_plot.right << "\" y2=\"" << m_plot.bottom << "\"/>\n<line x1=\""
           << m_plot.left << "\" y1=\"" << m_plot.top << "\" x2=\"" << m_plot.left << "\" y2=\""
           << m_plot.bottom << "\"/>\n</g>\n<g fill=\"#222\">\n";
     for (double x : m_x.Ticks()) {
-        m_svg << "<line x1=\"" << Number(X(x)) << "\" y1=\"" << m_plot.bottom << "\" x2=\""
+        m_out << "<line x1=\"" << Number(X(x)) << "\" y1=\"" << m_plot.bottom << "\" x2=\""
               << Number(X(x)) << "\" y2=\"" << m_plot.bottom + 5 << "\" stroke=\"#222\"/>";
         Text(X(x), m_plot.bottom + 18, m_x.Text(x), kTickFont, "middle");
     }
     for (double y : m_y.Ticks()) {
-        m_svg << "<line x1=\"" << m_plot.left - 5 << "\" y1=\"" << Number(Y(y)) << "\" x2=\""
+        m_out << "<line x1=\"" << m_plot.left - 5 << "\" y1=\"" << Number(Y(y)) << "\" x2=\""
               << m_plot.right << "\" y2=\"" << Number(Y(y)) << "\" stroke=\""
               << (y == m_y.min ? "#222" : "#e6e6e6") << "\"/>";
         Text(m_plot.left - 8, Y(y) + 4, m_y.Text(y), kTickFont, "end");
@@ -301,7 +343,7 @@ void PanelWriter::WriteAxes() {
     const std::string yTitle = m_y.Title(m_chart.yLabel);
     const double ySize =
         std::min(kAxisFont, (m_plot.bottom - m_plot.top) / std::max(1.0, TextWidth(yTitle, 1)));
-    m_svg << "<text transform=\"translate(" << Number(m_area.left + 14) << "," << Number(yMiddle)
+    m_out << "<text transform=\"translate(" << Number(m_area.left + 14) << "," << Number(yMiddle)
           << ") rotate(-90)\" text-anchor=\"middle\" font-size=\"" << Number(ySize) << "\">"
           << Escape(yTitle) << "</text>\n</g>\n";
 }
@@ -309,95 +351,116 @@ void PanelWriter::WriteAxes() {
 void PanelWriter::WriteData() {
     for (size_t b = 0; b < m_chart.bands.size(); ++b) {
         const auto& points = m_chart.bands[b].points;
-        m_svg << "<path fill=\"" << kColours[b % 6] << "\" fill-opacity=\"0.15\" d=\"";
+        m_out << "<path fill=\"" << Colour(b) << "\" fill-opacity=\"0.15\" d=\"";
         for (size_t i = 0; i < points.size(); ++i)
-            m_svg << (i ? 'L' : 'M') << Number(X(points[i][0])) << ',' << Number(Y(points[i][2]));
+            m_out << (i ? 'L' : 'M') << Number(X(points[i][0])) << ',' << Number(Y(points[i][2]));
         for (size_t i = points.size(); i-- > 0;)
-            m_svg << 'L' << Number(X(points[i][0])) << ',' << Number(Y(points[i][1]));
-        m_svg << "Z\"/>\n";
+            m_out << 'L' << Number(X(points[i][0])) << ',' << Number(Y(points[i][1]));
+        m_out << "Z\"/>\n";
     }
     for (size_t l = 0; l < m_chart.lines.size(); ++l) {
         const ChartLine& line = m_chart.lines[l];
-        m_svg << "<polyline fill=\"none\" stroke=\"" << kColours[l % 6] << "\" stroke-width=\"1.5\""
+        m_out << "<polyline fill=\"none\" stroke=\"" << Colour(l) << "\" stroke-width=\"1.5\""
               << (line.dashed ? " stroke-dasharray=\"6 4\"" : "") << " points=\"";
         double lastX = 0, lastY = 0;
         bool first = true;
         for (const auto& [x, y] : line.points) {
             if (!std::isfinite(x) || !std::isfinite(y))
                 continue;
-            m_svg << Number(X(x)) << ',' << Number(Y(y)) << ' ';
+            m_out << Number(X(x)) << ',' << Number(Y(y)) << ' ';
             if (!first)
                 m_segments.push_back({lastX, lastY, X(x), Y(y)});
             lastX = X(x), lastY = Y(y), first = false;
         }
-        m_svg << "\"/>\n";
+        m_out << "\"/>\n";
         for (const auto& [x, y] : line.markers ? line.points : ChartPoints{}) {
-            m_svg << "<circle cx=\"" << Number(X(x)) << "\" cy=\"" << Number(Y(y))
-                  << "\" r=\"3\" fill=\"" << kColours[l % 6] << "\"/>\n";
+            m_out << "<circle cx=\"" << Number(X(x)) << "\" cy=\"" << Number(Y(y))
+                  << "\" r=\"3\" fill=\"" << Colour(l) << "\"/>\n";
             m_taken.push_back({X(x) - 3, Y(y) - 3, X(x) + 3, Y(y) + 3});
         }
     }
     for (const auto& [x, y] : m_chart.sticks) {
-        m_svg << "<line x1=\"" << Number(X(x)) << "\" y1=\"" << Number(Y(0)) << "\" x2=\""
+        m_out << "<line x1=\"" << Number(X(x)) << "\" y1=\"" << Number(Y(0)) << "\" x2=\""
               << Number(X(x)) << "\" y2=\"" << Number(Y(y))
               << "\" stroke=\"#1f5fa8\" stroke-width=\"1.5\"/>\n";
         m_segments.push_back({X(x), Y(0), X(x), Y(y)});
     }
     for (const auto& [x, y] : m_chart.points) {
-        m_svg << "<circle cx=\"" << Number(X(x)) << "\" cy=\"" << Number(Y(y))
+        m_out << "<circle cx=\"" << Number(X(x)) << "\" cy=\"" << Number(Y(y))
               << "\" r=\"4\" fill=\"#c0392b\"/>\n";
         m_taken.push_back({X(x) - 4, Y(y) - 4, X(x) + 4, Y(y) + 4});
     }
     for (const auto& [x, y] : m_chart.marks) {
-        m_svg << "<path d=\"M" << Number(X(x)) << ',' << Number(Y(y) - 3)
+        m_out << "<path d=\"M" << Number(X(x)) << ',' << Number(Y(y) - 3)
               << " l-4,-7 h8 z\" fill=\"#c0392b\"/>\n";
         m_taken.push_back({X(x) - 4, Y(y) - 10, X(x) + 4, Y(y) - 3});
     }
 }
 
-// The legend in the corner of the plot that the data crosses least.
-void PanelWriter::WriteLegend() {
-    struct Entry {
-        std::string text;
-        int kind; // 0 line, 1 band, 2 point, 3 note
-        size_t colour;
-    };
-    std::vector<Entry> entries;
+// Cuts a legend text short, with an ellipsis, until it fits the room; a series name's bracketed
+// ending is kept, since it tells similar names apart: "Demethylation + Hydroxylation (+2)" becomes
+// "Demethylation + Hyd… (+2)".
+void ShortenToFit(LegendEntry& entry, double room) {
+    const size_t open = entry.text.rfind(" (");
+    const size_t end = entry.kind != LegendEntry::Note && !entry.text.empty() &&
+                               entry.text.back() == ')' && open != std::string::npos && open > 4
+                           ? open
+                           : entry.text.size();
+    std::string name = entry.text.substr(0, end);
+    const std::string ending = entry.text.substr(end);
+    while (name.size() > 4 && entry.Width() > room) {
+        name.erase(name.size() - (name.ends_with("…") ? 4 : 1));
+        while (!name.empty() && (static_cast<unsigned char>(name.back()) & 0xC0) == 0x80)
+            name.pop_back();
+        if (!name.empty())
+            name.pop_back();
+        name += "…";
+        entry.text = name + ending;
+    }
+}
+
+// The legend's entries, cut to the number of lines that fit beside the plot (the rest counted
+// in a last line) and each text cut short to the room given.
+std::vector<LegendEntry> PanelWriter::LegendEntries(double room) const {
+    std::vector<LegendEntry> entries;
     for (size_t l = 0; l < m_chart.lines.size(); ++l)
         if (!m_chart.lines[l].name.empty())
-            entries.push_back({m_chart.lines[l].name, 0, l});
+            entries.push_back({m_chart.lines[l].name, LegendEntry::Line, l});
     for (size_t b = 0; b < m_chart.bands.size(); ++b)
         if (!m_chart.bands[b].name.empty())
-            entries.push_back({m_chart.bands[b].name, 1, b});
+            entries.push_back({m_chart.bands[b].name, LegendEntry::Band, b});
     if (!m_chart.pointsName.empty())
-        entries.push_back({m_chart.pointsName, 2, 1});
+        entries.push_back({m_chart.pointsName, LegendEntry::Point, 1});
     for (const std::string& note : m_chart.legendNotes)
-        entries.push_back({note, 3, 0});
-    if (entries.empty())
-        return;
-    // What does not fit in the plot is left out and counted; long texts are cut short.
+        entries.push_back({note, LegendEntry::Note, 0});
     const size_t fit = static_cast<size_t>(std::max(1.0, (m_plot.bottom - m_plot.top - 20) / 16));
     if (entries.size() > fit) {
         const size_t left = entries.size() - fit + 1;
         entries.resize(fit - 1);
-        entries.push_back({"and " + std::to_string(left) + " more", 3, 0});
+        entries.push_back({"and " + std::to_string(left) + " more", LegendEntry::Note, 0});
     }
-    const double room = m_plot.right - m_plot.left - 12;
-    for (Entry& entry : entries)
-        while (entry.text.size() > 4 &&
-               TextWidth(entry.text, kLabelFont) + (entry.kind == 3 ? 12 : 34) > room) {
-            entry.text.erase(entry.text.size() - 4);
-            while (!entry.text.empty() &&
-                   (static_cast<unsigned char>(entry.text.back()) & 0xC0) == 0x80)
-                entry.text.pop_back();
-            if (!entry.text.empty())
-                entry.text.pop_back();
-            entry.text += "…";
-        }
+    for (LegendEntry& entry : entries)
+        ShortenToFit(entry, room);
+    return entries;
+}
+
+// The legend beside the plot, or in the corner of the plot that nothing crosses; false, with
+// nothing drawn, when every corner is crossed.
+bool PanelWriter::WriteLegend() {
+    const bool beside = m_legendPlace == LegendPlace::Beside;
+    const double room = beside ? LegendRoomBeside() : m_plot.right - m_plot.left - 12;
+    const std::vector<LegendEntry> entries = LegendEntries(room);
+    if (entries.empty())
+        return true;
     double width = 0;
-    for (const Entry& entry : entries)
-        width = std::max(width, TextWidth(entry.text, kLabelFont) + (entry.kind == 3 ? 12 : 34));
+    for (const LegendEntry& entry : entries)
+        width = std::max(width, entry.Width());
     const double height = 16.0 * static_cast<double>(entries.size()) + 8;
+    if (beside) {
+        DrawLegend(entries, Box{m_plot.right + 10, m_plot.top, m_plot.right + 10 + width,
+                                m_plot.top + height});
+        return true;
+    }
     Box best{};
     size_t fewest = SIZE_MAX;
     for (const bool right : {true, false})
@@ -413,31 +476,38 @@ void PanelWriter::WriteLegend() {
             if (crossed < fewest)
                 fewest = crossed, best = box;
         }
-    m_taken.push_back(best);
-    m_svg << "<rect x=\"" << Number(best.left) << "\" y=\"" << Number(best.top) << "\" width=\""
-          << Number(width) << "\" height=\"" << Number(height)
+    if (fewest > 0)
+        return false;
+    DrawLegend(entries, best);
+    return true;
+}
+
+void PanelWriter::DrawLegend(const std::vector<LegendEntry>& entries, const Box& box) {
+    m_taken.push_back(box);
+    m_out << "<rect x=\"" << Number(box.left) << "\" y=\"" << Number(box.top) << "\" width=\""
+          << Number(box.right - box.left) << "\" height=\"" << Number(box.bottom - box.top)
           << "\" fill=\"white\" fill-opacity=\"0.9\" stroke=\"#bbb\"/>\n";
     for (size_t i = 0; i < entries.size(); ++i) {
-        const Entry& entry = entries[i];
-        const double y = best.top + 16.0 * static_cast<double>(i) + 16;
-        const char* colour = kColours[entry.colour % 6];
-        const double x = best.left + 6;
-        if (entry.kind == 0)
-            m_svg << "<line x1=\"" << x << "\" y1=\"" << y - 4 << "\" x2=\"" << x + 20 << "\" y2=\""
+        const LegendEntry& entry = entries[i];
+        const double y = box.top + 16.0 * static_cast<double>(i) + 16;
+        const char* colour = Colour(entry.colour);
+        const double x = box.left + 6;
+        if (entry.kind == LegendEntry::Line)
+            m_out << "<line x1=\"" << x << "\" y1=\"" << y - 4 << "\" x2=\"" << x + 20 << "\" y2=\""
                   << y - 4 << "\" stroke=\"" << colour << "\" stroke-width=\"2\"/>";
-        else if (entry.kind == 1)
-            m_svg << "<rect x=\"" << x << "\" y=\"" << y - 9 << "\" width=\"20\" height=\"10\" "
+        else if (entry.kind == LegendEntry::Band)
+            m_out << "<rect x=\"" << x << "\" y=\"" << y - 9 << "\" width=\"20\" height=\"10\" "
                   << "fill=\"" << colour << "\" fill-opacity=\"0.15\"/>";
-        else if (entry.kind == 2)
-            m_svg << "<circle cx=\"" << x + 10 << "\" cy=\"" << y - 4
+        else if (entry.kind == LegendEntry::Point)
+            m_out << "<circle cx=\"" << x + 10 << "\" cy=\"" << y - 4
                   << "\" r=\"4\" fill=\"#c0392b\"/>";
-        Text(entry.kind == 3 ? x : x + 26, y, entry.text, kLabelFont, "start");
+        Text(entry.kind == LegendEntry::Note ? x : x + 26, y, entry.text, kLabelFont, "start");
     }
 }
 
 // Each label above its point when that is free, else nearby with a leader line, else left out.
 void PanelWriter::WriteLabels() {
-    m_svg << "<g fill=\"#333\">\n";
+    m_out << "<g fill=\"#333\">\n";
     std::vector<Box> labels;
     for (const ChartLabel& label : m_chart.labels) {
         const double ax = X(label.x), ay = Y(label.y);
@@ -455,55 +525,63 @@ void PanelWriter::WriteLabels() {
             }
         std::stable_sort(places.begin(), places.end(),
                          [](const Place& a, const Place& b) { return a.cost < b.cost; });
-        // First a place whose leader crosses no line; failing that, one whose leader does.
-        bool placed = false;
-        for (int pass = 0; pass < 2 && !placed; ++pass)
-            for (const Place& place : places) {
-                const Box box{ax + place.dx - width / 2, ay - place.dy - height,
-                              ax + place.dx + width / 2, ay - place.dy};
-                const bool leader = place.dx != 0 || place.dy > 20;
-                const Segment line{ax, ay - 3, std::clamp(ax, box.left + 2, box.right - 2),
-                                   box.bottom};
-                auto free = [&](const Box& other) { return !other.Overlaps(box); };
-                auto clear = [&](const Segment& s) { return !Crosses(s, box); };
-                // A leader crosses no label and no line but those that meet at its point.
-                const Box point{ax - 3, ay - 4, ax + 3, ay + 3};
-                auto crossesLeader = [&](const Segment& s) {
-                    return !Crosses(s, point) &&
-                           Crosses(s, Box{std::min(line.x1, line.x2), line.y2,
-                                          std::max(line.x1, line.x2), line.y1}) &&
-                           SegmentsCross(s, line);
-                };
-                if (!box.Inside(m_plot) || !std::all_of(m_taken.begin(), m_taken.end(), free) ||
-                    !std::all_of(m_segments.begin(), m_segments.end(), clear) ||
-                    (leader &&
-                     (std::any_of(labels.begin(), labels.end(),
-                                  [&](const Box& other) { return Crosses(line, other); }) ||
-                      (pass == 0 &&
-                       std::any_of(m_segments.begin(), m_segments.end(), crossesLeader)))))
-                    continue;
-                if (leader) {
-                    m_svg << "<line x1=\"" << Number(line.x1) << "\" y1=\"" << Number(line.y1)
-                          << "\" x2=\"" << Number(line.x2) << "\" y2=\"" << Number(line.y2)
-                          << "\" stroke=\"#999\" stroke-width=\"0.8\"/>\n";
-                    m_segments.push_back(line);
-                }
-                Text((box.left + box.right) / 2, box.bottom - 4, label.text, kLabelFont, "middle");
-                m_taken.push_back(box);
-                labels.push_back(box);
-                placed = true;
-                break;
+        for (const Place& place : places) {
+            const Box box{ax + place.dx - width / 2, ay - place.dy - height,
+                          ax + place.dx + width / 2, ay - place.dy};
+            const bool leader = place.dx != 0 || place.dy > 20;
+            const Segment line{ax, ay - 3, std::clamp(ax, box.left + 2, box.right - 2), box.bottom};
+            auto free = [&](const Box& other) { return !other.Overlaps(box); };
+            auto clear = [&](const Segment& s) { return !Crosses(s, box); };
+            // A leader crosses no label and no line but those that meet at its point.
+            const Box point{ax - 3, ay - 4, ax + 3, ay + 3};
+            auto crossesLeader = [&](const Segment& s) {
+                return !Crosses(s, point) &&
+                       Crosses(s, Box{std::min(line.x1, line.x2), line.y2,
+                                      std::max(line.x1, line.x2), line.y1}) &&
+                       SegmentsCross(s, line);
+            };
+            if (!box.Inside(m_plot) || !std::all_of(m_taken.begin(), m_taken.end(), free) ||
+                !std::all_of(m_segments.begin(), m_segments.end(), clear) ||
+                (leader && (std::any_of(labels.begin(), labels.end(),
+                                        [&](const Box& other) { return Crosses(line, other); }) ||
+                            std::any_of(m_segments.begin(), m_segments.end(), crossesLeader))))
+                continue;
+            if (leader) {
+                m_out << "<line x1=\"" << Number(line.x1) << "\" y1=\"" << Number(line.y1)
+                      << "\" x2=\"" << Number(line.x2) << "\" y2=\"" << Number(line.y2)
+                      << "\" stroke=\"#999\" stroke-width=\"0.8\"/>\n";
+                m_segments.push_back(line);
             }
+            Text((box.left + box.right) / 2, box.bottom - 4, label.text, kLabelFont, "middle");
+            m_taken.push_back(box);
+            labels.push_back(box);
+            break;
+        }
     }
-    m_svg << "</g>\n";
+    m_out << "</g>\n";
 }
 
+// The legend goes inside the plot where nothing crosses it; else beside the plot when that
+// leaves the plot half the panel's width; else above the data; else beside the plot after all.
+// Each try lays the panel out and draws it again.
 void PanelWriter::Write() {
-    Layout();
-    WriteAxes();
-    WriteData();
-    WriteLegend();
+    const LegendPlace tries[] = {LegendPlace::Inside, LegendPlace::Beside, LegendPlace::AboveData,
+                                 LegendPlace::Beside};
+    for (size_t t = 0; t < std::size(tries); ++t) {
+        m_legendPlace = tries[t];
+        m_out.str("");
+        m_taken.clear();
+        m_segments.clear();
+        Layout();
+        if (t == 1 && m_plot.right - m_plot.left < (m_area.right - m_area.left) * 0.5)
+            continue;
+        WriteAxes();
+        WriteData();
+        if (WriteLegend() || t + 1 == std::size(tries))
+            break;
+    }
     WriteLabels();
+    m_svg << m_out.str();
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-"""Every demo figure, laid out by a headless browser: no two texts overlap, and each text lies
-within the figure. Run by CTest with QUILLON (the tool), QUILLON_SOURCE_DIR and QUILLON_WORK_DIR
+"""Every demo figure, laid out by a headless browser: no two texts overlap, no text is crossed by
+a line of the data (a trace, a fitted line, a stick), and each text lies within the figure. Run by CTest with QUILLON (the tool), QUILLON_SOURCE_DIR and QUILLON_WORK_DIR
 in the environment."""
 import itertools
 import os
@@ -78,3 +78,39 @@ def test_no_text_overlaps_another(browser, path):
         overlap_x = min(a[3], b[3]) - max(a[1], b[1])
         overlap_y = min(a[4], b[4]) - max(a[2], b[2])
         assert overlap_x <= 0.5 or overlap_y <= 0.5, f"'{a[0]}' overlaps '{b[0]}'"
+    # The data's lines: polylines and sticks (leaders, ticks, grid and legend keys are not data).
+    segments = browser.execute_script(
+        "const out = [];"
+        "for (const p of document.querySelectorAll('polyline')) {"
+        "  const pts = [...p.points];"
+        "  for (let i = 1; i < pts.length; ++i)"
+        "    out.push([pts[i-1].x, pts[i-1].y, pts[i].x, pts[i].y]); }"
+        "for (const l of document.querySelectorAll('line[stroke-width=\"1.5\"]'))"
+        "  out.push([l.x1.baseVal.value, l.y1.baseVal.value, l.x2.baseVal.value, l.y2.baseVal.value]);"
+        "return out;")
+    assert segments
+    for text, left, top, right, bottom in boxes:
+        box = (left + 0.5, top + 0.5, right - 0.5, bottom - 0.5)
+        for segment in segments:
+            assert not crosses(segment, box), f"a line of the data crosses '{text}'"
+
+
+def crosses(segment, box):
+    """Whether the segment (x1, y1, x2, y2) passes through the box (left, top, right, bottom)."""
+    x1, y1, x2, y2 = segment
+    left, top, right, bottom = box
+    if max(x1, x2) < left or min(x1, x2) > right or max(y1, y2) < top or min(y1, y2) > bottom:
+        return False
+    low, high = 0.0, 1.0
+    for p, q in ((x1 - x2, x1 - left), (x2 - x1, right - x1), (y1 - y2, y1 - top),
+                 (y2 - y1, bottom - y1)):
+        if p == 0:
+            if q < 0:
+                return False
+        elif p < 0:
+            low = max(low, q / p)
+        else:
+            high = min(high, q / p)
+        if low > high:
+            return False
+    return True
