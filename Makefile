@@ -65,12 +65,13 @@ bench: deps
 	cmake --build --preset bench -j $(JOBS)
 	@for b in build/bench/bench/quillon_*_bench; do [ -x "$$b" ] && "$$b" --benchmark_enable_random_interleaving=true; done
 
-# The main job on the bundled example batch: every file under build/demo/. Builds only what the
-# demo runs (the tool and the generator), not the tests.
-demo: deps
-	cmake --preset dev
-	cmake --build --preset dev -j $(JOBS) --target quillon-tool quillon-generate
-	@bash scripts/demo.sh build/dev/tools/quillon/quillon examples/Chlorpromazine_HLM_batch.txt build/demo
+# The main job on the bundled example batch: every file under build/demo/. Installs and builds
+# only what the demo runs (the tool and the generator, optimised, in build/tool), not the tests.
+demo:
+	@bash scripts/install-deps.sh tool
+	cmake --preset tool
+	cmake --build --preset tool -j $(JOBS)
+	@bash scripts/demo.sh build/tool/tools/quillon/quillon examples/Chlorpromazine_HLM_batch.txt build/demo
 
 clean:
 	rm -rf build

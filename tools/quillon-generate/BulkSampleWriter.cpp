@@ -11,15 +11,6 @@ namespace quillon::generate {
 
 namespace {
 
-constexpr double kProtonMass = 1.00782503223 - CElements::kElectronMass;
-enum Part : uint64_t { kBulk = 300 };
-
-std::string Format(const char* format, auto... values) {
-    char buffer[256];
-    std::snprintf(buffer, sizeof buffer, format, values...);
-    return buffer;
-}
-
 void WriteFunctionHeader(CReportFile& f, int number, const char* description,
                          double collisionEnergy) {
     f.WriteSectionHeader("FUNCTION");

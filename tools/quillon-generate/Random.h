@@ -34,4 +34,14 @@ private:
     double m_spareNormal = 0.0;
 };
 
+// The parts of a batch that draw from a generator of their own (CRandom::Derived), in one list so
+// that no two share a sequence.
+enum RandomPart : uint64_t {
+    kBatchYields = 1,
+    kSampleVariation = 2,
+    kTraceNoise = 100, // plus the sample's index
+    kSpectra = 200,
+    kBulk = 300,
+};
+
 } // namespace quillon::generate

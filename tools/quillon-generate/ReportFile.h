@@ -2,9 +2,18 @@
 
 #include <quillon/file/DelimitFile.h>
 
+#include <cstdio>
 #include <string>
 
 namespace quillon::generate {
+
+// printf into a string, for a record's text: Format("%.4f", 319.10303) is "319.1030". Longer
+// results are cut at 511 bytes.
+std::string Format(const char* format, auto... values) {
+    char buffer[512];
+    std::snprintf(buffer, sizeof buffer, format, values...);
+    return buffer;
+}
 
 // The report file as the generator writes it: a CDelimitFile opened for writing with a large
 // buffer, which can turn every line end into carriage return and line feed, and which writes the

@@ -9,16 +9,12 @@ namespace quillon::generate {
 
 namespace {
 
-constexpr double kRunMinutes = 20.0;
 constexpr double kFoundHeight = 4000.0;      // smallest apex the processing reports as found
 constexpr double kFragmentHeight = 25000.0;  // smallest apex with a usable product-ion spectrum
 constexpr double kParentHeight = 2.4e6;      // parent apex before any turnover
 constexpr double kTypicalSigma = 0.040;      // minutes: the mean peak width the heights refer to
 constexpr double kTicListedHeight = 30000.0; // smallest peak listed on a total ion current
 constexpr double kSubjectTimes[] = {0.0, 15.0, 30.0, 60.0, 120.0};
-
-// Random parts of the batch: one derived generator per purpose.
-enum Part : uint64_t { kBatchYields = 1, kSampleVariation = 2 };
 
 // Per biotransformation, fixed for the whole batch: how much is formed, how well it ionises, and
 // how many isomers it gives with their shares and time offsets.

@@ -3,10 +3,17 @@
 #include "DrugModel.h"
 #include "GeneratorOptions.h"
 
+#include <quillon/chemistry/Elements.h>
+
 #include <string>
 #include <vector>
 
 namespace quillon::generate {
+
+// Every run lasts 20 minutes.
+constexpr double kRunMinutes = 20.0;
+// The mass of a proton (hydrogen less its electron), u: the [M+H]+ ions' m/z less this is M.
+constexpr double kProtonMass = 1.00782503223 - CElements::kElectronMass;
 
 // A component's share of its mass chromatogram's apex on the low- and high-energy total ion
 // currents (other adducts, isotopes and in-source fragments add to the low-energy one).

@@ -9,21 +9,12 @@ namespace quillon::generate {
 
 namespace {
 
-constexpr double kRunMinutes = 20.0;
 constexpr double kScanSeconds = 0.2;
-constexpr double kProtonMass = 1.00782503223 - CElements::kElectronMass;
 constexpr double kMassWindow = 0.02; // correlation mass window, u
-enum Part : uint64_t { kTraceNoise = 100, kSpectra = 200 };
 
 const char* const kLowLabel = "1: TOF MS ES+";
 const char* const kHighLabel = "2: TOF MSe ES+";
 const char* const kDiodeLabel = "3: Diode Array";
-
-std::string Format(const char* format, auto... values) {
-    char buffer[512];
-    std::snprintf(buffer, sizeof buffer, format, values...);
-    return buffer;
-}
 
 std::string Join(const std::vector<double>& values) {
     std::string text;

@@ -11,12 +11,6 @@ namespace {
 
 constexpr double kLowestPercent = 0.05; // weaker peaks are not written
 
-std::string Format(const char* format, auto... values) {
-    char buffer[256];
-    std::snprintf(buffer, sizeof buffer, format, values...);
-    return buffer;
-}
-
 } // namespace
 
 CSpectrumWriter::CSpectrumWriter(CReportFile& file, const CDrugModel& drug, int noisePeaks)
