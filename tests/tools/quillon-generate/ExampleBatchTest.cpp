@@ -125,118 +125,142 @@ void ExpectChromatogram(const CChromatoData& read, const ChromatogramSummary& wr
         EXPECT_EQ(read.GetChromatPeakData(p)->GetPeakID(), written.peakIds[static_cast<size_t>(p)]);
 }
 
-TEST_P(GeneratedBatchTest, SamplesHeadersCompoundsParametersAndAreasReadBack) {
+void ExpectHeaderCompoundsAndParameters(CSampleData& sample, const SampleSummary& expected) {
+    EXPECT_EQ(sample.GetNumber(), expected.number);
+    EXPECT_EQ(sample.IsControl(), expected.sampleType == "QC"); // "QC" reads as "Control"
+    EXPECT_EQ(sample.IsAnalyte(), expected.sampleType == "Analyte");
+    EXPECT_FLOAT_EQ(sample.GetSubjectTime(), static_cast<float>(expected.subjectTime));
+    CString text;
+    sample.GetFileName(text);
+    EXPECT_FALSE(text.IsEmpty());
+    sample.GetCondtions(text);
+    EXPECT_FALSE(text.IsEmpty());
+    sample.GetSubmitter(text);
+    EXPECT_FALSE(text.IsEmpty());
+    EXPECT_TRUE(sample.GetLockSprayEnabled());
+    EXPECT_FALSE(sample.GetMUXEnabled());
+    EXPECT_DOUBLE_EQ(sample.GetConcentration(), 10.0);
+    // One "Info" line in the sample and one in its continuation: two lines of one text.
+    sample.GetProcessingInfo(text);
+    EXPECT_EQ(std::count(text.str().begin(), text.str().end(), '\n'), 1);
+    ASSERT_EQ(sample.GetCompoundCount(), expected.compounds);
+    EXPECT_DOUBLE_EQ(sample.GetCompound(0)->GetMass(), expected.compoundMass);
+    EXPECT_EQ(sample.GetParameters()->PositiveAdducts().GetSize(), expected.positiveAdducts);
+    EXPECT_EQ(sample.GetParameters()->NegativeAdducts().GetSize(), expected.negativeAdducts);
+    EXPECT_EQ(sample.GetMDFMasses()->GetSize(), expected.mdfMasses);
+    EXPECT_EQ(sample.GetMDFParams()->GetSize(), expected.mdfParameters);
+}
+
+void ExpectAcquisition(CSampleData& sample, const SampleSummary& expected) {
+    ASSERT_EQ(sample.GetFunctionCount(), static_cast<int>(expected.functions.size()));
+    for (int f = 0; f < sample.GetFunctionCount(); ++f) {
+        CFunctionData& function = *sample.GetFunction(f);
+        const FunctionSummary& summary = expected.functions[static_cast<size_t>(f)];
+        EXPECT_EQ(function.GetNumber(), summary.number);
+        EXPECT_EQ(function.IsPDA(), summary.type == "Diode Array");
+        ASSERT_EQ(function.GetNumChromatogram(), static_cast<int>(summary.chromatograms.size()));
+        for (int c = 0; c < function.GetNumChromatogram(); ++c)
+            ExpectChromatogram(*function.GetChromatogram(c),
+                               summary.chromatograms[static_cast<size_t>(c)]);
+        ASSERT_EQ(function.GetNumSpectra(false), static_cast<int>(summary.spectrumPeakIds.size()));
+        int masses = 0;
+        int results = 0;
+        for (int i = 0; i < function.GetNumSpectra(false); ++i) {
+            CSpectrumData* spectrum = function.GetSpectrum(i, false);
+            EXPECT_EQ(spectrum->GetPeakID(), summary.spectrumPeakIds[static_cast<size_t>(i)]);
+            EXPECT_EQ(spectrum->GetNumPeaks(), summary.spectrumPoints[static_cast<size_t>(i)]);
+            masses += spectrum->MassesGet()->GetSize();
+            results += spectrum->GetNumResults();
+        }
+        EXPECT_EQ(masses, summary.spectrumMasses);
+        EXPECT_EQ(results, summary.spectrumResults);
+    }
+    ASSERT_EQ(sample.GetAnalogCount(), static_cast<int>(expected.analogChannels.size()));
+    for (int a = 0; a < sample.GetAnalogCount(); ++a)
+        ExpectChromatogram(*sample.GetAnalogChannel(a),
+                           expected.analogChannels[static_cast<size_t>(a)]);
+    // The parent's spectrum is found from its peak; its peak lies on several traces of one
+    // cluster (low- and high-energy mass chromatograms, both total ion currents, diode array).
+    ASSERT_NE(sample.GetCorrespondingSpectrum(1), nullptr);
+    const int cluster = sample.GetCorispondingPeakInfo(1, 0)->GetPeakClusterID();
+    EXPECT_GE(sample.GetNumberOfChroGraphsInCluster(cluster), 4);
+}
+
+// The metabolite groups and their correlation entries; each "ELEMENTAL" section belongs to the
+// unexpected record of the same place (the candidates of a found metabolite, an empty list for
+// its high-energy partner); and, from the area passes that end reading, the found low-energy
+// expected metabolites have their share of the group's area. Answers the candidates seen.
+int ExpectMetabolites(CSampleData& sample, const SampleSummary& expected) {
+    EXPECT_EQ(sample.GetExpectedMetaboliteCount(), expected.expectedRecords);
+    EXPECT_EQ(sample.GetUnexpectedMetaboliteCount(), expected.unexpectedRecords);
+    const int msms = sample.GetMSMSCorrelationMetaboliteCount();
+    EXPECT_EQ(msms, expected.msmsRecords);
+    // Every correlation row reached its metabolite: entries x entries texts in all.
+    int correlationEntries = 0;
+    for (int m = sample.GetMSMetaboliteCount(); m < sample.GetMetaboliteCount(); ++m)
+        correlationEntries += sample.GetMetabolite(m)->GetCorrelationEntryCount();
+    EXPECT_EQ(correlationEntries, expected.correlationRows > 0 ? msms * msms : 0);
+    EXPECT_EQ(expected.correlationRows, msms * msms);
+
+    const std::vector<int>& rows = expected.elementalRows;
+    EXPECT_EQ(sample.GetUnexpectedMetaboliteCount(), static_cast<int>(rows.size()));
+    EXPECT_EQ(sample.GetElementalEnabled(), !rows.empty());
+    int candidates = 0;
+    int withShare = 0;
+    for (int i = 0; i < sample.GetMetaboliteCount(); ++i) {
+        const CMetaboliteData& metabolite = *sample.GetMetabolite(i);
+        const int unexpected = i - sample.GetExpectedMetaboliteCount();
+        if (!metabolite.IsUnexpected() || unexpected >= static_cast<int>(rows.size())) {
+            EXPECT_EQ(metabolite.GetNumElementalResults(), 0) << i;
+        } else {
+            EXPECT_TRUE(metabolite.IsElementalEnabled());
+            EXPECT_EQ(metabolite.GetNumElementalResults(), rows[static_cast<size_t>(unexpected)]);
+        }
+        CElementalResultsData candidate;
+        for (int c = 0; metabolite.GetElementalResults(c, candidate); ++c, ++candidates) {
+            // Every candidate explains the found m/z by its ion formula.
+            EXPECT_NEAR(candidate.GetMass(), metabolite.GetMzFound(), 5e-5);
+            const double ion = CFormula::Parse(candidate.GetFormula().view()).MonoisotopicMass() -
+                               CElements::kElectronMass;
+            EXPECT_NEAR(candidate.GetCalcMass(), ion, 5e-6);
+            EXPECT_NEAR(candidate.GetmDa(), (candidate.GetMass() - ion) * 1000.0, 1e-3);
+        }
+        if (metabolite.IsExpected() && metabolite.GetFound() && !metabolite.IsHiEnergy() &&
+            metabolite.GetPeakNum() > 0) {
+            EXPECT_GT(metabolite.GetRelativePeakArea(), 0.0) << i;
+            EXPECT_LE(metabolite.GetRelativePeakArea(), 100.0) << i;
+            ++withShare;
+        }
+    }
+    EXPECT_GT(sample.GetAreaTotal(true, MS_TRACE), 0.0);
+    EXPECT_GT(withShare, 0);
+    return candidates;
+}
+
+// What the reader finds is what the generator says it wrote, and every analyte is linked to the
+// control of its group (same processing, same parent).
+TEST_P(GeneratedBatchTest, EverySampleReadsBackAsWritten) {
     ReadBack& batch = Batch(GetParam());
     ASSERT_EQ(batch.samples.GetSamplesCount(), static_cast<int>(batch.written.samples.size()));
     CSampleData* control = nullptr;
     int controls = 0;
+    int candidates = 0;
     for (int s = 0; s < batch.samples.GetSamplesCount(); ++s) {
         SCOPED_TRACE("sample " + std::to_string(s + 1));
         CSampleData& sample = *batch.samples.GetSample(s);
         const SampleSummary& expected = batch.written.samples[static_cast<size_t>(s)];
-        EXPECT_EQ(sample.GetNumber(), expected.number);
-        EXPECT_EQ(sample.IsControl(), expected.sampleType == "QC"); // "QC" reads as "Control"
-        EXPECT_EQ(sample.IsAnalyte(), expected.sampleType == "Analyte");
-        // Every analyte is linked to the control of its group (same processing, same parent).
+        ExpectHeaderCompoundsAndParameters(sample, expected);
+        ExpectAcquisition(sample, expected);
+        candidates += ExpectMetabolites(sample, expected);
         if (sample.IsControl()) {
             control = &sample;
             ++controls;
         } else {
             EXPECT_EQ(sample.GetControlSample(), control);
         }
-        EXPECT_FLOAT_EQ(sample.GetSubjectTime(), static_cast<float>(expected.subjectTime));
-        CString text;
-        sample.GetFileName(text);
-        EXPECT_FALSE(text.IsEmpty());
-        sample.GetCondtions(text);
-        EXPECT_FALSE(text.IsEmpty());
-        sample.GetSubmitter(text);
-        EXPECT_FALSE(text.IsEmpty());
-        EXPECT_TRUE(sample.GetLockSprayEnabled());
-        EXPECT_FALSE(sample.GetMUXEnabled());
-        EXPECT_DOUBLE_EQ(sample.GetConcentration(), 10.0);
-        // One "Info" line in the sample and one in its continuation: two lines of one text.
-        sample.GetProcessingInfo(text);
-        EXPECT_EQ(std::count(text.str().begin(), text.str().end(), '\n'), 1);
-
-        ASSERT_EQ(sample.GetCompoundCount(), expected.compounds);
-        EXPECT_DOUBLE_EQ(sample.GetCompound(0)->GetMass(), expected.compoundMass);
-        EXPECT_EQ(sample.GetParameters()->PositiveAdducts().GetSize(), expected.positiveAdducts);
-        EXPECT_EQ(sample.GetParameters()->NegativeAdducts().GetSize(), expected.negativeAdducts);
-        EXPECT_EQ(sample.GetMDFMasses()->GetSize(), expected.mdfMasses);
-        EXPECT_EQ(sample.GetMDFParams()->GetSize(), expected.mdfParameters);
-
-        EXPECT_EQ(sample.GetExpectedMetaboliteCount(), expected.expectedRecords);
-        EXPECT_EQ(sample.GetUnexpectedMetaboliteCount(), expected.unexpectedRecords);
-        const int msms = sample.GetMSMSCorrelationMetaboliteCount();
-        EXPECT_EQ(msms, expected.msmsRecords);
-        // Every correlation row reached its metabolite: entries x entries texts in all.
-        int correlationEntries = 0;
-        for (int m = sample.GetMSMetaboliteCount(); m < sample.GetMetaboliteCount(); ++m)
-            correlationEntries += sample.GetMetabolite(m)->GetCorrelationEntryCount();
-        EXPECT_EQ(correlationEntries, expected.correlationRows > 0 ? msms * msms : 0);
-        EXPECT_EQ(expected.correlationRows, msms * msms);
-
-        // Reading ends with the area passes: the found low-energy expected metabolites have their
-        // share of the group's area.
-        EXPECT_GT(sample.GetAreaTotal(true, MS_TRACE), 0.0);
-        int withShare = 0;
-        for (int i = 0; i < sample.GetExpectedMetaboliteCount(); ++i) {
-            const CMetaboliteData& metabolite = *sample.GetMetabolite(i);
-            if (!metabolite.GetFound() || metabolite.IsHiEnergy() || metabolite.GetPeakNum() < 1)
-                continue;
-            EXPECT_GT(metabolite.GetRelativePeakArea(), 0.0) << i;
-            EXPECT_LE(metabolite.GetRelativePeakArea(), 100.0) << i;
-            ++withShare;
-        }
-        EXPECT_GT(withShare, 0);
     }
     EXPECT_EQ(controls, GetParam() == 0 ? 1 : 2);
-}
-
-TEST_P(GeneratedBatchTest, FunctionsChromatogramsSpectraAndAnalogChannelsReadBack) {
-    ReadBack& batch = Batch(GetParam());
-    ASSERT_EQ(batch.samples.GetSamplesCount(), static_cast<int>(batch.written.samples.size()));
-    for (int s = 0; s < batch.samples.GetSamplesCount(); ++s) {
-        SCOPED_TRACE("sample " + std::to_string(s + 1));
-        CSampleData& sample = *batch.samples.GetSample(s);
-        const SampleSummary& expected = batch.written.samples[static_cast<size_t>(s)];
-        ASSERT_EQ(sample.GetFunctionCount(), static_cast<int>(expected.functions.size()));
-        for (int f = 0; f < sample.GetFunctionCount(); ++f) {
-            CFunctionData& function = *sample.GetFunction(f);
-            const FunctionSummary& summary = expected.functions[static_cast<size_t>(f)];
-            EXPECT_EQ(function.GetNumber(), summary.number);
-            EXPECT_EQ(function.IsPDA(), summary.type == "Diode Array");
-            ASSERT_EQ(function.GetNumChromatogram(),
-                      static_cast<int>(summary.chromatograms.size()));
-            for (int c = 0; c < function.GetNumChromatogram(); ++c)
-                ExpectChromatogram(*function.GetChromatogram(c),
-                                   summary.chromatograms[static_cast<size_t>(c)]);
-            ASSERT_EQ(function.GetNumSpectra(false),
-                      static_cast<int>(summary.spectrumPeakIds.size()));
-            int masses = 0;
-            int results = 0;
-            for (int i = 0; i < function.GetNumSpectra(false); ++i) {
-                CSpectrumData* spectrum = function.GetSpectrum(i, false);
-                EXPECT_EQ(spectrum->GetPeakID(), summary.spectrumPeakIds[static_cast<size_t>(i)]);
-                EXPECT_EQ(spectrum->GetNumPeaks(), summary.spectrumPoints[static_cast<size_t>(i)]);
-                masses += spectrum->MassesGet()->GetSize();
-                results += spectrum->GetNumResults();
-            }
-            EXPECT_EQ(masses, summary.spectrumMasses);
-            EXPECT_EQ(results, summary.spectrumResults);
-        }
-        ASSERT_EQ(sample.GetAnalogCount(), static_cast<int>(expected.analogChannels.size()));
-        for (int a = 0; a < sample.GetAnalogCount(); ++a)
-            ExpectChromatogram(*sample.GetAnalogChannel(a),
-                               expected.analogChannels[static_cast<size_t>(a)]);
-        // The parent's spectrum is found from its peak; its peak lies on several traces of one
-        // cluster (low- and high-energy mass chromatograms, both total ion currents, diode
-        // array).
-        ASSERT_NE(sample.GetCorrespondingSpectrum(1), nullptr);
-        const int cluster = sample.GetCorispondingPeakInfo(1, 0)->GetPeakClusterID();
-        EXPECT_GE(sample.GetNumberOfChroGraphsInCluster(cluster), 4);
-    }
+    EXPECT_GT(candidates, 0);
 }
 
 // Each peak's area and height are those of its trace between its start and end (the diode-array
@@ -286,8 +310,12 @@ TEST_P(GeneratedBatchTest, PeaksAreTheIntegralsOfTheirTraces) {
 // A found metabolite names a peak of its function and trace, in the cluster it states, with a
 // spectrum; a high-energy partner ("MSe fragments") names the peak and cluster of the low-energy
 // metabolite before it, in the high-energy function; MS/MS metabolites name high-energy peaks.
-TEST_P(GeneratedBatchTest, MetabolitesPointAtPeaksAndPartnersFollowTheirParents) {
+// An expected metabolite's mass shift is its formula's mass less the parent's: the transformation
+// table's formula changes are the chemistry they are named for.
+TEST_P(GeneratedBatchTest, MetabolitesPointAtPeaksAndShiftByTheirFormulae) {
+    const double parentMass = CFormula::Parse("C17H19ClN2S").MonoisotopicMass();
     int partners = 0;
+    int shifts = 0;
     for (int s = 0; s < Batch(GetParam()).samples.GetSamplesCount(); ++s) {
         CSampleData& sample = *Batch(GetParam()).samples.GetSample(s);
         int lastPeak = -1;
@@ -296,7 +324,16 @@ TEST_P(GeneratedBatchTest, MetabolitesPointAtPeaksAndPartnersFollowTheirParents)
             const CMetaboliteData& metabolite = *sample.GetMetabolite(m);
             const int peakId = metabolite.GetPeakNum();
             const int function = metabolite.GetFunctionNum();
-            SCOPED_TRACE(std::string(metabolite.GetMetName()) + ", peak " + std::to_string(peakId));
+            const std::string name = metabolite.GetMetName();
+            const std::string formula = metabolite.GetFormula();
+            SCOPED_TRACE(name + ", peak " + std::to_string(peakId));
+            if (metabolite.IsExpected() && !formula.empty()) {
+                EXPECT_NEAR(metabolite.GetMetabolite(),
+                            CFormula::Parse(formula).MonoisotopicMass() - parentMass, 1e-4);
+                // Cl replaced by OH.
+                EXPECT_TRUE(name != "Oxidative Dechlorination" || formula == "C17H20N2OS");
+                ++shifts;
+            }
             if (!metabolite.GetFound() && !metabolite.IsMSMSCorrelation()) {
                 EXPECT_EQ(peakId, 0); // not found: no peak
                 continue;
@@ -311,7 +348,7 @@ TEST_P(GeneratedBatchTest, MetabolitesPointAtPeaksAndPartnersFollowTheirParents)
             ASSERT_NE(peak, nullptr);
             EXPECT_EQ(peak->GetPeakClusterID(), metabolite.GetPeakClusterNum());
             EXPECT_GE(sample.GetFunction(function - 1)->GetSpectrumWithPeakID(peakId, false), 0);
-            if (std::string(metabolite.GetMetName()) == "MSe fragments") {
+            if (name == "MSe fragments") {
                 EXPECT_EQ(function, 2);
                 EXPECT_EQ(peakId, lastPeak);
                 EXPECT_EQ(metabolite.GetPeakClusterNum(), lastCluster);
@@ -326,44 +363,7 @@ TEST_P(GeneratedBatchTest, MetabolitesPointAtPeaksAndPartnersFollowTheirParents)
         }
     }
     EXPECT_GT(partners, 5);
-}
-
-// Each "ELEMENTAL" section belongs to the unexpected record of the same place: the candidates of a
-// found metabolite, an empty list for its high-energy partner.
-TEST_P(GeneratedBatchTest, ElementalCandidatesReadBackToTheirUnexpectedMetabolites) {
-    ReadBack& batch = Batch(GetParam());
-    int candidates = 0;
-    for (int s = 0; s < batch.samples.GetSamplesCount(); ++s) {
-        SCOPED_TRACE("sample " + std::to_string(s + 1));
-        CSampleData& sample = *batch.samples.GetSample(s);
-        const std::vector<int>& rows = batch.written.samples[static_cast<size_t>(s)].elementalRows;
-        ASSERT_EQ(sample.GetUnexpectedMetaboliteCount(), static_cast<int>(rows.size()));
-        EXPECT_EQ(sample.GetElementalEnabled(), !rows.empty());
-        for (int i = 0; i < static_cast<int>(rows.size()); ++i) {
-            const CMetaboliteData& metabolite =
-                *sample.GetMetabolite(sample.GetExpectedMetaboliteCount() + i);
-            EXPECT_TRUE(metabolite.IsUnexpected());
-            EXPECT_TRUE(metabolite.IsElementalEnabled());
-            ASSERT_EQ(metabolite.GetNumElementalResults(), rows[static_cast<size_t>(i)]);
-            CElementalResultsData candidate;
-            for (int c = 0; c < metabolite.GetNumElementalResults(); ++c) {
-                ASSERT_TRUE(metabolite.GetElementalResults(c, candidate));
-                // Every candidate explains the found m/z by its ion formula.
-                EXPECT_NEAR(candidate.GetMass(), metabolite.GetMzFound(), 5e-5);
-                const double ion =
-                    CFormula::Parse(candidate.GetFormula().view()).MonoisotopicMass() -
-                    CElements::kElectronMass;
-                EXPECT_NEAR(candidate.GetCalcMass(), ion, 5e-6);
-                EXPECT_NEAR(candidate.GetmDa(), (candidate.GetMass() - ion) * 1000.0, 1e-3);
-                ++candidates;
-            }
-        }
-        // No expected or MS/MS correlation metabolite takes candidates.
-        for (int i = 0; i < sample.GetMetaboliteCount(); ++i)
-            EXPECT_TRUE(sample.GetMetabolite(i)->IsUnexpected() ||
-                        sample.GetMetabolite(i)->GetNumElementalResults() == 0);
-    }
-    EXPECT_GT(candidates, 0);
+    EXPECT_GT(shifts, 20);
 }
 
 TEST_P(GeneratedBatchTest, NeutralLossListReadsBackFromTheSettingsFile) {
@@ -394,31 +394,6 @@ TEST_P(GeneratedBatchTest, NeutralLossListReadsBackFromTheSettingsFile) {
         sawCommaInName = sawCommaInName || name.Find(',') >= 0;
     }
     EXPECT_TRUE(sawCommaInName); // a name with a comma is read whole by its stated length
-}
-
-// Each expected metabolite's mass shift is its formula's mass less the parent's: the
-// transformation table's formula changes are the chemistry they are named for.
-TEST_P(GeneratedBatchTest, MassShiftsEqualTheFormulaDifferences) {
-    const double parentMass = CFormula::Parse("C17H19ClN2S").MonoisotopicMass();
-    int checked = 0;
-    for (int s = 0; s < Batch(GetParam()).samples.GetSamplesCount(); ++s) {
-        CSampleData& sample = *Batch(GetParam()).samples.GetSample(s);
-        for (int m = 0; m < sample.GetMetaboliteCount(); ++m) {
-            const CMetaboliteData& metabolite = *sample.GetMetabolite(m);
-            const std::string formula = metabolite.GetFormula();
-            if (!metabolite.IsExpected() || formula.empty())
-                continue;
-            EXPECT_NEAR(metabolite.GetMetabolite(),
-                        CFormula::Parse(formula).MonoisotopicMass() - parentMass, 1e-4)
-                << metabolite.GetMetName();
-            if (std::string(metabolite.GetMetName()) == "Oxidative Dechlorination") {
-                EXPECT_EQ(formula, "C17H20N2OS"); // Cl replaced by OH: -17.9661
-                EXPECT_NEAR(metabolite.GetMetabolite(), -17.9661, 1e-4);
-            }
-            ++checked;
-        }
-    }
-    EXPECT_GT(checked, 20);
 }
 
 TEST(GeneratedBatchScaleTest, ScaleOptionsSetTheAmounts) {
