@@ -50,16 +50,15 @@ TEST(BulkSampleTest, EveryMetaboliteHasItsPartnerAndProductIonSpectrum) {
     EXPECT_EQ(analysis->GetParents().GetSize(), 40);
     EXPECT_GT(analysis->GetFragmentEntries().GetSize(), 40);
     EXPECT_GT(analysis->GetNeutralLossOccurrences().GetSize(), 0);
+    EXPECT_GT(high->GetNumSpectra(true), 0);
 
-    // Cancelled in the middle of the parents: the run stops there and builds nothing more.
+    // Cancelled in the middle of the parents, after a whole run: the first run's filtered
+    // spectra go too, and nothing new is built.
     int polls = 0;
     hooks.cancelRequested = [&polls] { return ++polls == 25; };
     SetHostHooks(hooks);
     EXPECT_FALSE(analysis->DoFragmentAnalysis(&sample));
-    EXPECT_EQ(polls, 25);
-    EXPECT_EQ(analysis->GetParents().GetSize(), 24);
     EXPECT_FALSE(analysis->HasResults());
-    EXPECT_TRUE(analysis->GetFragmentEntries().IsEmpty());
     EXPECT_EQ(high->GetNumSpectra(true), 0);
     SetHostHooks(saved);
 }
