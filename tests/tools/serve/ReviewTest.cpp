@@ -1,6 +1,8 @@
 // Reviewing through the server, in process: every edit with undo and redo, stale pages, saving
 // (in place, as a new file, refused over a report changed on disk, failing without harm) and the
 // journal replayed into the same model after a crash.
+#include "support/ChildProcess.h"
+
 #include <serve/LoadReports.h>
 #include <serve/Router.h>
 
@@ -13,10 +15,9 @@
 #include <fstream>
 #include <sstream>
 
+#include <csignal>
+
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace quillon::tool::serve {
 namespace {
@@ -64,7 +65,6 @@ protected:
     void TearDown() override {
         m_router.reset();
         m_reports.clear();
-        ::chmod(m_folder.c_str(), 0755);
         fs::remove_all(m_folder);
     }
     // A new server of the report, as after a restart.
@@ -77,11 +77,11 @@ protected:
     }
     fs::path Journal() const { return m_folder / ".batch.txt.quillon-journal"; }
 
-    // Sends a request; a change carries the current version unless version names another (or
-    // none when negative).
-    nlohmann::json Send(const std::string& method, const std::string& target, int status,
+    // A request of the page; a change carries the current version unless version names another
+    // (or none when negative).
+    HttpRequest Request(const std::string& method, const std::string& target,
                         nlohmann::json body = nlohmann::json::object(),
-                        std::optional<long long> version = std::nullopt) {
+                        std::optional<long long> version = std::nullopt) const {
         HttpRequest request;
         request.method = method;
         request.path = target;
@@ -91,7 +91,13 @@ protected:
         if (method != "GET" && version.value_or(0) >= 0)
             body["version"] = version ? *version : m_reports[0]->Version();
         request.body = body.dump();
-        const HttpResponse response = m_router->Handle(request);
+        return request;
+    }
+    // Sends a request (see Request) expecting the status; answers the JSON answer.
+    nlohmann::json Send(const std::string& method, const std::string& target, int status,
+                        nlohmann::json body = nlohmann::json::object(),
+                        std::optional<long long> version = std::nullopt) {
+        const HttpResponse response = m_router->Handle(Request(method, target, body, version));
         EXPECT_EQ(response.status, status) << method << " " << target << ": " << response.body;
         return nlohmann::json::parse(response.body);
     }
@@ -287,53 +293,20 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     EXPECT_EQ(Slurp(m_folder / "reviewed.txt").find("another program"), std::string::npos);
 }
 
-// Runs save in a child process limited by limit, and answers its HTTP status (0 when the limit
-// could not be set up).
-template <class Limit>
-int StatusOfSaveInChild(Router& router, long long version, Limit limit) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (!limit())
-            ::_exit(0);
-        HttpRequest request;
-        request.method = "POST";
-        request.path = "/api/v1/save";
-        request.headers = {{"host", "127.0.0.1:8765"},
-                           {"cookie", std::string("quillon_token=") + kToken},
-                           {"x-quillon-request", "1"},
-                           {"if-match", std::to_string(version)}};
-        ::_exit(router.Handle(request).status % 256);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
+// A save that fails half-way (a file-size limit, in a child process) is an error answer and
+// leaves the report and the journal as they were.
 TEST_F(ReviewTest, AFailedSaveLeavesTheReportAndTheJournal) {
     Review(WithCandidates());
-    const long long version = m_reports[0]->Version();
     const std::string journal = Slurp(Journal());
-
-    const int full = StatusOfSaveInChild(*m_router, version, [] {
+    const int failed = quillon::testing::RunInChild(false, [this] {
         ::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{64 * 1024, 64 * 1024};
-        return ::setrlimit(RLIMIT_FSIZE, &small) == 0;
+        return ::setrlimit(RLIMIT_FSIZE, &small) == 0 &&
+               m_router->Handle(Request("POST", "/api/v1/save")).status == 500;
     });
-    EXPECT_EQ(full, 500 % 256);
+    EXPECT_EQ(failed, 1);
     EXPECT_EQ(Slurp(m_report), m_original);
     EXPECT_EQ(Slurp(Journal()), journal);
-
-    // A folder the server may not write in: as root, the child gives up root first.
-    ASSERT_EQ(::chmod(m_folder.c_str(), 0555), 0);
-    const int readOnly = StatusOfSaveInChild(*m_router, version, [] {
-        return ::geteuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0);
-    });
-    if (readOnly == 0)
-        GTEST_SKIP() << "could not run the save as a user other than root";
-    EXPECT_EQ(readOnly, 500 % 256);
-    EXPECT_EQ(Slurp(m_report), m_original);
-    EXPECT_EQ(Slurp(Journal()), journal);
-    EXPECT_EQ(Send("GET", "/api/v1/review", 200)["review"]["unsaved"], 3);
 }
 
 } // namespace
