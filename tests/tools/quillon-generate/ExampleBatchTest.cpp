@@ -5,6 +5,7 @@
 // ExampleRegeneratesByteForByte test.
 
 #include "GeneratorOptions.h"
+#include "ParentMolfile.h"
 #include "ReportGenerator.h"
 #include "WorkFolder.h"
 
@@ -13,7 +14,6 @@
 #include <quillon/acquisition/SpectrumData.h>
 #include <quillon/chemistry/Formula.h>
 #include <quillon/chemistry/IsotopeModel.h>
-#include <quillon/companions/Molfile.h>
 #include <quillon/companions/TarnwickIniInterface.h>
 #include <quillon/document/SampleData.h>
 #include <quillon/document/Samples.h>
@@ -479,30 +479,10 @@ TEST(GeneratedBatchChemistryTest, SpectraShowIsotopeClustersAndFragmentsAtRealNe
     EXPECT_LT(intensityNear(*high, parentMz), 40.0);
 }
 
-// The embedded molfile, extracted by the reader: a complete two-dimensional structure of the
-// parent whose implicit hydrogens make up the formula.
+// The parent's molfile: a complete two-dimensional structure whose implicit hydrogens make up
+// the formula. (Its extraction from the report is the molfile and tool tests'.)
 TEST(GeneratedBatchChemistryTest, MolfileIsACompleteTwoDimensionalStructureOfTheParent) {
-    const std::string report = Batch(0).folder + "/" + QUILLON_EXAMPLE_REPORT;
-    const std::string folder = testing::ProcessWorkFolder() + "/molfiles/";
-    std::filesystem::create_directories(folder);
-    const HostHooks saved = GetHostHooks();
-    HostHooks hooks = saved;
-    hooks.molfileDirectory = [folder] { return CString(folder); };
-    SetHostHooks(hooks);
-    ASSERT_TRUE(CMolfile::StartList());
-    CSamples samples;
-    samples.Read(report.c_str());
-    CStringArray paths;
-    const bool listed = CMolfile::ReadList(paths);
-    SetHostHooks(saved);
-    ASSERT_TRUE(listed);
-    ASSERT_EQ(paths.GetSize(), samples.GetSamplesCount());
-    EXPECT_EQ(paths[0].str(), folder + QUILLON_EXAMPLE_REPORT + "_Parent_1.mol");
-
-    std::ifstream file(paths[0].str());
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(line);
+    const std::vector<std::string> lines = ParentMolfileLines("Chlorpromazine");
     ASSERT_GT(lines.size(), 5u);
     EXPECT_EQ(lines[1].substr(20, 2), "2D");
     const int atoms = std::atoi(lines[3].substr(0, 3).c_str());
