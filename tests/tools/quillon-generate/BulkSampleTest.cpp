@@ -1,6 +1,6 @@
 #include "GeneratorOptions.h"
 #include "ReportGenerator.h"
-#include "WorkFolder.h"
+#include "support/TempFile.h"
 
 #include <quillon/document/Samples.h>
 #include <quillon/fragments/FragmentAnalysis.h>
@@ -23,14 +23,13 @@ TEST(BulkSampleTest, EveryMetaboliteHasItsPartnerAndProductIonSpectrum) {
     bool help = false;
     ASSERT_TRUE(ParseCommandLine(3, argv, options, message, help));
     EXPECT_EQ(options.bulkMetabolites, 40);
-    options.reportPath = quillon::generate::testing::ProcessWorkFolder() + "/bulk.txt";
+    const quillon::testing::TempFile report("bulk.txt");
+    options.reportPath = report.Path();
     GenerateBatch(options);
 
     const HostHooks saved = GetHostHooks();
     HostHooks hooks = saved;
-    hooks.workingDirectory = [] {
-        return CString(quillon::generate::testing::ProcessWorkFolder());
-    };
+    hooks.workingDirectory = [&report] { return CString(report.Folder().string()); };
     SetHostHooks(hooks);
     CSamples samples;
     ASSERT_EQ(samples.Read(options.reportPath.c_str()), 1);

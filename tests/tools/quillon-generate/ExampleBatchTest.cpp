@@ -7,7 +7,7 @@
 #include "GeneratorOptions.h"
 #include "ParentMolfile.h"
 #include "ReportGenerator.h"
-#include "WorkFolder.h"
+#include "support/TempFile.h"
 
 #include <quillon/acquisition/ChromatoData.h>
 #include <quillon/acquisition/FunctionData.h>
@@ -25,7 +25,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <set>
 
 namespace quillon::generate {
@@ -46,10 +45,10 @@ struct ReadBack {
 // The default options, writing the example's report name (and "Tarnwick.ini" beside it) in a
 // folder of its own.
 GeneratorOptions InFolder(const std::string& name) {
+    static const quillon::testing::TempFile work;
     GeneratorOptions options;
-    const std::string folder = testing::ProcessWorkFolder() + "/" + name;
-    std::filesystem::create_directories(folder);
-    options.reportPath = folder + "/" + QUILLON_EXAMPLE_REPORT;
+    std::filesystem::create_directories(work.Folder() / name);
+    options.reportPath = (work.Folder() / name / QUILLON_EXAMPLE_REPORT).string();
     return options;
 }
 
@@ -71,11 +70,6 @@ ReadBack& Batch(int which) {
     return which == 0 ? example : scaled;
 }
 
-std::string ReadAll(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 std::string WithCrLf(const std::string& text) {
     std::string crlf;
     for (const char c : text) {
@@ -87,19 +81,20 @@ std::string WithCrLf(const std::string& text) {
 }
 
 TEST(GeneratedBatchBytesTest, TheSeedDecidesTheBytesAndWindowsLineEndsChangeNothingElse) {
-    const std::string report = ReadAll(Batch(0).folder + "/" + QUILLON_EXAMPLE_REPORT);
+    const std::string report =
+        quillon::testing::ReadBytes(Batch(0).folder + "/" + QUILLON_EXAMPLE_REPORT);
     EXPECT_EQ(report.find('\r'), std::string::npos);
     GeneratorOptions reseeded = InFolder("reseeded");
     reseeded.seed += 1;
     GenerateBatch(reseeded);
-    EXPECT_FALSE(report == ReadAll(reseeded.reportPath));
+    EXPECT_FALSE(report == quillon::testing::ReadBytes(reseeded.reportPath));
 
     GeneratorOptions windows = InFolder("windows");
     windows.windowsLineEnds = true;
     GenerateBatch(windows);
-    EXPECT_TRUE(ReadAll(windows.reportPath) == WithCrLf(report));
-    EXPECT_TRUE(ReadAll(SettingsPath(windows)) ==
-                WithCrLf(ReadAll(Batch(0).folder + "/Tarnwick.ini")));
+    EXPECT_TRUE(quillon::testing::ReadBytes(windows.reportPath) == WithCrLf(report));
+    EXPECT_TRUE(quillon::testing::ReadBytes(SettingsPath(windows)) ==
+                WithCrLf(quillon::testing::ReadBytes(Batch(0).folder + "/Tarnwick.ini")));
 }
 
 class GeneratedBatchTest : public ::testing::TestWithParam<int> {};

@@ -1,5 +1,5 @@
 #include "ReportGenerator.h"
-#include "WorkFolder.h"
+#include "support/TempFile.h"
 
 #include <quillon/document/Samples.h>
 #include <quillon/stability/MetabolicStabilityInfo.h>
@@ -26,8 +26,8 @@ double HalfLifeOf(const std::string& path) {
 TEST(StabilityRecovery, HalfLivesOfGeneratedBatches) {
     for (double halfLife : {20.0, 55.0, 90.0}) {
         GeneratorOptions options;
-        options.reportPath = testing::ProcessWorkFolder() + "/stability.txt";
-        options.iniPath = testing::ProcessWorkFolder() + "/stability.ini";
+        const quillon::testing::TempFile report("stability.txt");
+        options.reportPath = report.Path();
         options.samples = 12;
         options.pointsPerTrace = 200;
         options.variation = 0.1;
