@@ -2,6 +2,7 @@
 // (in place, as a new file, refused over a report changed on disk, failing without harm) and the
 // journal replayed into the same model after a crash.
 #include "support/ChildProcess.h"
+#include "support/TempFile.h"
 
 #include <serve/LoadReports.h>
 #include <serve/Router.h>
@@ -13,7 +14,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include <csignal>
 
@@ -23,17 +23,11 @@ namespace quillon::tool::serve {
 namespace {
 
 namespace fs = std::filesystem;
+using quillon::testing::ReadBytes;
 
 constexpr const char* kToken = "0123456789abcdef0123456789abcdef";
 // A sample of the example batch whose metabolites have elemental candidates.
 constexpr int kSample = 4;
-
-std::string Slurp(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 // The metabolite and elemental tables of the model, as the tool's export writes them.
 nlohmann::json ModelExport(ServedReport& report) {
@@ -52,20 +46,13 @@ nlohmann::json ModelExport(ServedReport& report) {
 class ReviewTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_folder = fs::path(::testing::TempDir()) /
-                   ("review-" +
-                    std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(m_folder);
-        fs::create_directories(m_folder);
-        m_report = m_folder / "batch.txt";
         fs::copy_file(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt", m_report);
-        m_original = Slurp(m_report);
+        m_original = ReadBytes(m_report);
         Serve();
     }
     void TearDown() override {
         m_router.reset();
         m_reports.clear();
-        fs::remove_all(m_folder);
     }
     // A new server of the report, as after a restart.
     void Serve() {
@@ -126,8 +113,9 @@ protected:
         Send("POST", "/api/v1/redo", 200);
     }
 
-    fs::path m_folder;
-    fs::path m_report;
+    const quillon::testing::TempFile m_work{"batch.txt"};
+    const fs::path m_folder = m_work.Folder();
+    const fs::path m_report = m_work.Path();
     std::string m_original;
     ServedReports m_reports;
     std::unique_ptr<Router> m_router;
@@ -240,7 +228,7 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
         Serve();
         EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
         Send("PATCH", Metabolite(m), 500, {{"confirmed", false}});
-        EXPECT_EQ(Slurp(Journal()), damaged);
+        EXPECT_EQ(ReadBytes(Journal()), damaged);
         EXPECT_EQ(ModelExport(*m_reports[0]), original);
     }
     // A journal without a whole change holds nothing to offer, and goes.
@@ -268,36 +256,36 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     // writes the edits into the report as it was read, and the review continues there.
     Send("PATCH", Metabolite(m), 200, {{"label", "second look"}});
     const nlohmann::json relabelled = ModelExport(*m_reports[0]);
-    const std::string saved = Slurp(m_report);
+    const std::string saved = ReadBytes(m_report);
     {
         std::ofstream other(m_folder / "other.txt", std::ios::binary);
         other << saved << "# written by another program\n";
     }
     fs::rename(m_folder / "other.txt", m_report);
-    const std::string replaced = Slurp(m_report);
+    const std::string replaced = ReadBytes(m_report);
     EXPECT_EQ(Send("POST", "/api/v1/save", 409)["changed_on_disk"], true);
-    EXPECT_EQ(Slurp(m_report), replaced);
+    EXPECT_EQ(ReadBytes(m_report), replaced);
     Send("POST", "/api/v1/save-as", 400, {{"name", "../outside.txt"}});
     Send("POST", "/api/v1/save-as", 400, {{"name", ".hidden"}});
     std::ofstream(m_folder / "taken.txt") << "another file\n";
     EXPECT_EQ(Send("POST", "/api/v1/save-as", 409, {{"name", "taken.txt"}})["exists"], true);
-    EXPECT_EQ(Slurp(m_folder / "taken.txt"), "another file\n");
+    EXPECT_EQ(ReadBytes(m_folder / "taken.txt"), "another file\n");
     answer = Send("POST", "/api/v1/save-as", 200, {{"name", "reviewed.txt"}});
     EXPECT_EQ(answer["review"]["file"], "reviewed.txt");
     EXPECT_EQ(answer["review"]["unsaved"], 0);
-    EXPECT_EQ(Slurp(m_report), replaced);
+    EXPECT_EQ(ReadBytes(m_report), replaced);
     EXPECT_FALSE(fs::exists(Journal()));
 
     ServedReports copy = LoadReports({(m_folder / "reviewed.txt").string()});
     EXPECT_EQ(ModelExport(*copy[0]), relabelled);
-    EXPECT_EQ(Slurp(m_folder / "reviewed.txt").find("another program"), std::string::npos);
+    EXPECT_EQ(ReadBytes(m_folder / "reviewed.txt").find("another program"), std::string::npos);
 }
 
 // A save that fails half-way (a file-size limit, in a child process) is an error answer and
 // leaves the report and the journal as they were.
 TEST_F(ReviewTest, AFailedSaveLeavesTheReportAndTheJournal) {
     Review(WithCandidates());
-    const std::string journal = Slurp(Journal());
+    const std::string journal = ReadBytes(Journal());
     const int failed = quillon::testing::RunInChild(false, [this] {
         ::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{64 * 1024, 64 * 1024};
@@ -305,8 +293,8 @@ TEST_F(ReviewTest, AFailedSaveLeavesTheReportAndTheJournal) {
                m_router->Handle(Request("POST", "/api/v1/save")).status == 500;
     });
     EXPECT_EQ(failed, 1);
-    EXPECT_EQ(Slurp(m_report), m_original);
-    EXPECT_EQ(Slurp(Journal()), journal);
+    EXPECT_EQ(ReadBytes(m_report), m_original);
+    EXPECT_EQ(ReadBytes(Journal()), journal);
 }
 
 } // namespace
