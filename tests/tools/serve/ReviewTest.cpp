@@ -2,13 +2,11 @@
 // (in place, as a new file, refused over a report changed on disk, failing without harm) and the
 // journal replayed into the same model after a crash.
 #include "support/ChildProcess.h"
+#include "support/ModelDump.h"
 #include "support/TempFile.h"
 
 #include <serve/LoadReports.h>
 #include <serve/Router.h>
-
-#include <json/ModelJson.h>
-#include <json/ModelTables.h>
 
 #include <gtest/gtest.h>
 
@@ -23,24 +21,16 @@ namespace quillon::tool::serve {
 namespace {
 
 namespace fs = std::filesystem;
+using quillon::testing::ModelDump;
 using quillon::testing::ReadBytes;
 
 constexpr const char* kToken = "0123456789abcdef0123456789abcdef";
 // A sample of the example batch whose metabolites have elemental candidates.
 constexpr int kSample = 4;
 
-// The metabolite and elemental tables of the model, as the tool's export writes them.
-nlohmann::json ModelExport(ServedReport& report) {
-    return report.WithSamples([](CSamples& samples) {
-        nlohmann::json tables;
-        for (ModelTable table : {ModelTable::kMetabolites, ModelTable::kElemental}) {
-            nlohmann::json rows = nlohmann::json::array();
-            JsonRowsSink sink(rows);
-            WriteModelTable(table, samples, sink);
-            tables.push_back(std::move(rows));
-        }
-        return tables;
-    });
+// The model served, as text.
+std::string ModelOf(ServedReport& report) {
+    return report.WithSamples([](CSamples& samples) { return ModelDump::Of(samples); });
 }
 
 class ReviewTest : public ::testing::Test {
@@ -123,7 +113,7 @@ protected:
 
 TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
     const int m = WithCandidates();
-    const nlohmann::json before = ModelExport(*m_reports[0]);
+    const std::string before = ModelOf(*m_reports[0]);
     const nlohmann::json candidates = Send("GET", Metabolite(m) + "/candidates", 200)["candidates"];
     const long long first = m_reports[0]->Version();
 
@@ -151,7 +141,7 @@ TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
     Send("DELETE", Metabolite(m) + "/candidates/99", 400);
     Send("PATCH", "/api/v1/samples/99999/metabolites/0", 400, {{"confirmed", true}});
     Send("POST", "/api/v1/redo", 409);
-    const nlohmann::json edited = ModelExport(*m_reports[0]);
+    const std::string edited = ModelOf(*m_reports[0]);
 
     for (int i = 0; i < 4; ++i)
         answer = Send("POST", "/api/v1/undo", 200);
@@ -159,22 +149,22 @@ TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
     EXPECT_EQ(answer["review"]["unsaved"], 0);
     EXPECT_EQ(answer["review"]["can_redo"], true);
     Send("POST", "/api/v1/undo", 409);
-    EXPECT_EQ(ModelExport(*m_reports[0]), before);
+    EXPECT_EQ(ModelOf(*m_reports[0]), before);
     EXPECT_EQ(Send("GET", Metabolite(m) + "/candidates", 200)["candidates"], candidates);
 
     for (int i = 0; i < 4; ++i)
         Send("POST", "/api/v1/redo", 200);
-    EXPECT_EQ(ModelExport(*m_reports[0]), edited);
+    EXPECT_EQ(ModelOf(*m_reports[0]), edited);
     EXPECT_EQ(Send("GET", "/api/v1/batch", 200)["review"]["unsaved"], 4);
 }
 
 TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
-    const nlohmann::json original = ModelExport(*m_reports[0]);
+    const std::string original = ModelOf(*m_reports[0]);
     const int m = WithCandidates();
     Review(m);
     Send("PATCH", Metabolite(m + 1), 200, {{"label", "tab\u00e9 — non-ASCII"}});
     Send("POST", "/api/v1/undo", 200);
-    const nlohmann::json reviewed = ModelExport(*m_reports[0]);
+    const std::string reviewed = ModelOf(*m_reports[0]);
     ASSERT_TRUE(fs::exists(Journal()));
     // A second server of the report meanwhile neither offers this server's changes nor makes its
     // own.
@@ -206,18 +196,18 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
     EXPECT_TRUE(answer["review"]["journal"].is_null());
     EXPECT_EQ(answer["review"]["unsaved"], 3);
     EXPECT_EQ(answer["review"]["can_redo"], true);
-    EXPECT_EQ(ModelExport(*m_reports[0]), reviewed);
+    EXPECT_EQ(ModelOf(*m_reports[0]), reviewed);
     // The resumed journal goes on: the cut-off line is gone, a redo replays after it.
     Send("POST", "/api/v1/redo", 200);
-    const nlohmann::json redone = ModelExport(*m_reports[0]);
+    const std::string redone = ModelOf(*m_reports[0]);
     Serve();
     Send("POST", "/api/v1/journal/apply", 200);
-    EXPECT_EQ(ModelExport(*m_reports[0]), redone);
+    EXPECT_EQ(ModelOf(*m_reports[0]), redone);
 
     Serve();
     Send("DELETE", "/api/v1/journal", 200);
     EXPECT_FALSE(fs::exists(Journal()));
-    EXPECT_EQ(ModelExport(*m_reports[0]), original);
+    EXPECT_EQ(ModelOf(*m_reports[0]), original);
     Send("POST", "/api/v1/journal/apply", 409);
 
     // A journal that cannot be read is neither offered nor written after; a line that is no change
@@ -229,7 +219,7 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
         EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
         Send("PATCH", Metabolite(m), 500, {{"confirmed", false}});
         EXPECT_EQ(ReadBytes(Journal()), damaged);
-        EXPECT_EQ(ModelExport(*m_reports[0]), original);
+        EXPECT_EQ(ModelOf(*m_reports[0]), original);
     }
     // A journal without a whole change holds nothing to offer, and goes.
     std::ofstream(Journal()) << "{\"journal\":1,\"size\":1,\"modified_ns\":2,\"hash\":\"3\"}\n"
@@ -242,20 +232,20 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
 TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     const int m = WithCandidates();
     Review(m);
-    const nlohmann::json reviewed = ModelExport(*m_reports[0]);
+    const std::string reviewed = ModelOf(*m_reports[0]);
     nlohmann::json answer = Send("POST", "/api/v1/save", 200);
     EXPECT_EQ(answer["review"]["unsaved"], 0);
     EXPECT_EQ(answer["review"]["can_undo"], false);
     EXPECT_TRUE(answer["review"]["saved_at"].is_string());
     EXPECT_FALSE(fs::exists(Journal()));
     Serve();
-    EXPECT_EQ(ModelExport(*m_reports[0]), reviewed);
+    EXPECT_EQ(ModelOf(*m_reports[0]), reviewed);
     EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
 
     // Another program replaces the report: saving over it is refused, saving as a new file
     // writes the edits into the report as it was read, and the review continues there.
     Send("PATCH", Metabolite(m), 200, {{"label", "second look"}});
-    const nlohmann::json relabelled = ModelExport(*m_reports[0]);
+    const std::string relabelled = ModelOf(*m_reports[0]);
     const std::string saved = ReadBytes(m_report);
     {
         std::ofstream other(m_folder / "other.txt", std::ios::binary);
@@ -277,7 +267,7 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     EXPECT_FALSE(fs::exists(Journal()));
 
     ServedReports copy = LoadReports({(m_folder / "reviewed.txt").string()});
-    EXPECT_EQ(ModelExport(*copy[0]), relabelled);
+    EXPECT_EQ(ModelOf(*copy[0]), relabelled);
     EXPECT_EQ(ReadBytes(m_folder / "reviewed.txt").find("another program"), std::string::npos);
 }
 
