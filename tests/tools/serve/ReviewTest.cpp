@@ -247,10 +247,8 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     Send("PATCH", Metabolite(m), 200, {{"label", "second look"}});
     const std::string relabelled = ModelOf(*m_reports[0]);
     const std::string saved = ReadBytes(m_report);
-    {
-        std::ofstream other(m_folder / "other.txt", std::ios::binary);
-        other << saved << "# written by another program\n";
-    }
+    std::ofstream(m_folder / "other.txt", std::ios::binary)
+        << saved << "# written by another program\n";
     fs::rename(m_folder / "other.txt", m_report);
     const std::string replaced = ReadBytes(m_report);
     EXPECT_EQ(Send("POST", "/api/v1/save", 409)["changed_on_disk"], true);

@@ -85,10 +85,9 @@ TEST(NumberTextTest, DoublesPrintAsFloatsOnlyWhenTheyHoldAFloat) {
 }
 
 TEST(NumberTextTest, IntegralTextAndFieldNumbers) {
-    EXPECT_TRUE(LooksIntegral("100"));
-    EXPECT_TRUE(LooksIntegral("-3"));
-    EXPECT_FALSE(LooksIntegral("1e+05"));
-    EXPECT_FALSE(LooksIntegral("1.5"));
+    for (const auto& [text, integral] :
+         {std::pair{"100", true}, {"-3", true}, {"1e+05", false}, {"1.5", false}})
+        EXPECT_EQ(LooksIntegral(text), integral) << text;
 
     double number = -1.0;
     EXPECT_TRUE(ParseNumberText(" 12.5\t", number));
