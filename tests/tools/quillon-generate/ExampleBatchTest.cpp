@@ -447,8 +447,7 @@ TEST(GeneratedBatchChemistryTest, SpectraShowIsotopeClustersAndFragmentsAtRealNe
     };
     const CSpectrumData* low = parentSpectrum(1);
     const CSpectrumData* high = parentSpectrum(2);
-    ASSERT_NE(low, nullptr);
-    ASSERT_NE(high, nullptr);
+    ASSERT_TRUE(low != nullptr && high != nullptr);
     EXPECT_DOUBLE_EQ(intensityNear(*low, parentMz), 100.0);
     EXPECT_NEAR(intensityNear(*low, model.Peaks()[2].mass), mPlus2, 0.1 * mPlus2);
     EXPECT_NEAR(low->GetBPM(), parentMz, parentMz * 5e-6);
