@@ -71,8 +71,6 @@ def test_points_are_read_only_views_that_keep_the_batch_alive(example):
     times = trace.times
     assert times.dtype == np.float32 and not times.flags.writeable and not times.flags.owndata
     assert times.__array_interface__["data"][0] == trace.times.__array_interface__["data"][0]
-    with pytest.raises(ValueError):
-        times[0] = 1.0
     spectrum = next(p for f in batch.samples[0].functions for p in f.spectra if len(p))
     mz, intensity = spectrum.get_peaks()
     assert mz.dtype == np.float64 and np.array_equal(mz, spectrum.mz)

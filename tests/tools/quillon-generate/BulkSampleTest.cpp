@@ -1,6 +1,6 @@
 #include "GeneratorOptions.h"
 #include "ReportGenerator.h"
-#include "WorkFolder.h"
+#include "support/TempFile.h"
 
 #include <quillon/document/Samples.h>
 #include <quillon/fragments/FragmentAnalysis.h>
@@ -23,14 +23,13 @@ TEST(BulkSampleTest, EveryMetaboliteHasItsPartnerAndProductIonSpectrum) {
     bool help = false;
     ASSERT_TRUE(ParseCommandLine(3, argv, options, message, help));
     EXPECT_EQ(options.bulkMetabolites, 40);
-    options.reportPath = quillon::generate::testing::ProcessWorkFolder() + "/bulk.txt";
+    const quillon::testing::TempFile report("bulk.txt");
+    options.reportPath = report.Path();
     GenerateBatch(options);
 
     const HostHooks saved = GetHostHooks();
     HostHooks hooks = saved;
-    hooks.workingDirectory = [] {
-        return CString(quillon::generate::testing::ProcessWorkFolder());
-    };
+    hooks.workingDirectory = [&report] { return CString(report.Folder().string()); };
     SetHostHooks(hooks);
     CSamples samples;
     ASSERT_EQ(samples.Read(options.reportPath.c_str()), 1);
@@ -50,16 +49,15 @@ TEST(BulkSampleTest, EveryMetaboliteHasItsPartnerAndProductIonSpectrum) {
     EXPECT_EQ(analysis->GetParents().GetSize(), 40);
     EXPECT_GT(analysis->GetFragmentEntries().GetSize(), 40);
     EXPECT_GT(analysis->GetNeutralLossOccurrences().GetSize(), 0);
+    EXPECT_GT(high->GetNumSpectra(true), 0);
 
-    // Cancelled in the middle of the parents: the run stops there and builds nothing more.
+    // Cancelled in the middle of the parents, after a whole run: the first run's filtered
+    // spectra go too, and nothing new is built.
     int polls = 0;
     hooks.cancelRequested = [&polls] { return ++polls == 25; };
     SetHostHooks(hooks);
     EXPECT_FALSE(analysis->DoFragmentAnalysis(&sample));
-    EXPECT_EQ(polls, 25);
-    EXPECT_EQ(analysis->GetParents().GetSize(), 24);
     EXPECT_FALSE(analysis->HasResults());
-    EXPECT_TRUE(analysis->GetFragmentEntries().IsEmpty());
     EXPECT_EQ(high->GetNumSpectra(true), 0);
     SetHostHooks(saved);
 }

@@ -48,12 +48,14 @@ expect 0 "$quillon" fragments "$example" --sample 4 --format csv --settings "$wo
 [ "$(grep -c neutral_loss "$work/out")" -gt 0 ] || fail "--settings FILE: no neutral losses read"
 expect 1 "$quillon" fragments "$example" --sample 4 --settings "$work/none.cfg"
 grep -q "none.cfg" "$work/err" || fail "missing settings file not named: $(cat "$work/err")"
-# JSON types: integers are ints, flags booleans, floats read back to the report's float values.
-expect 0 "$quillon" export "$example" --format json -o "$work/model.json"
-python3 - "$work/model.json" <<'PY' || fail "export JSON types"
+# JSON by default, with every table; integers are ints, flags booleans, floats read back to the
+# report's float values.
+expect 0 "$quillon" export "$example" -o "$work/model.json"
+python3 - "$work/model.json" <<'PY' || fail "export JSON"
 import json, re, sys
 raw = open(sys.argv[1]).read()
 d = json.loads(raw)
+assert len(d["samples"]) == 6 and d["trace_points"] and d["metabolites"]
 m = d["metabolites"][0]
 assert isinstance(m["sample"], int) and isinstance(m["index"], int) and isinstance(m["found"], bool), m
 assert all("function" in r for r in d["spectrum_points"])
@@ -113,8 +115,6 @@ PY
     fail "info in a folder with a molfile list"
 [ -s "$work/structures/Molfiles.list" ] || [ -n "$(ls "$work/structures"/*.mol 2>/dev/null)" ] &&
     fail "info extracted molfiles into the current folder"
-expect 0 "$quillon" export "$example" -o "$work/model.json"
-python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert len(d['samples'])==6 and d['trace_points'] and d['metabolites']" "$work/model.json" || fail "export JSON"
 expect 0 "$quillon" export "$example" --format csv -o "$work/tables"
 head -1 "$work/tables/peaks.csv" | grep -qx "sample,function,trace,peak_id,cluster,time_min,area,height,width,area_percent" || fail "export CSV header"
 

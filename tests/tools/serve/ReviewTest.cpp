@@ -1,71 +1,48 @@
 // Reviewing through the server, in process: every edit with undo and redo, stale pages, saving
 // (in place, as a new file, refused over a report changed on disk, failing without harm) and the
 // journal replayed into the same model after a crash.
+#include "support/ChildProcess.h"
+#include "support/ModelDump.h"
+#include "support/TempFile.h"
+
 #include <serve/LoadReports.h>
 #include <serve/Router.h>
-
-#include <json/ModelJson.h>
-#include <json/ModelTables.h>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+
+#include <csignal>
 
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace quillon::tool::serve {
 namespace {
 
 namespace fs = std::filesystem;
+using quillon::testing::ModelDump;
+using quillon::testing::ReadBytes;
 
 constexpr const char* kToken = "0123456789abcdef0123456789abcdef";
 // A sample of the example batch whose metabolites have elemental candidates.
 constexpr int kSample = 4;
 
-std::string Slurp(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-// The metabolite and elemental tables of the model, as the tool's export writes them.
-nlohmann::json ModelExport(ServedReport& report) {
-    return report.WithSamples([](CSamples& samples) {
-        nlohmann::json tables;
-        for (ModelTable table : {ModelTable::kMetabolites, ModelTable::kElemental}) {
-            nlohmann::json rows = nlohmann::json::array();
-            JsonRowsSink sink(rows);
-            WriteModelTable(table, samples, sink);
-            tables.push_back(std::move(rows));
-        }
-        return tables;
-    });
+// The model served, as text.
+std::string ModelOf(ServedReport& report) {
+    return report.WithSamples([](CSamples& samples) { return ModelDump::Of(samples); });
 }
 
 class ReviewTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_folder = fs::path(::testing::TempDir()) /
-                   ("review-" +
-                    std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(m_folder);
-        fs::create_directories(m_folder);
-        m_report = m_folder / "batch.txt";
         fs::copy_file(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt", m_report);
-        m_original = Slurp(m_report);
+        m_original = ReadBytes(m_report);
         Serve();
     }
     void TearDown() override {
         m_router.reset();
         m_reports.clear();
-        ::chmod(m_folder.c_str(), 0755);
-        fs::remove_all(m_folder);
     }
     // A new server of the report, as after a restart.
     void Serve() {
@@ -77,11 +54,11 @@ protected:
     }
     fs::path Journal() const { return m_folder / ".batch.txt.quillon-journal"; }
 
-    // Sends a request; a change carries the current version unless version names another (or
-    // none when negative).
-    nlohmann::json Send(const std::string& method, const std::string& target, int status,
+    // A request of the page; a change carries the current version unless version names another
+    // (or none when negative).
+    HttpRequest Request(const std::string& method, const std::string& target,
                         nlohmann::json body = nlohmann::json::object(),
-                        std::optional<long long> version = std::nullopt) {
+                        std::optional<long long> version = std::nullopt) const {
         HttpRequest request;
         request.method = method;
         request.path = target;
@@ -91,7 +68,13 @@ protected:
         if (method != "GET" && version.value_or(0) >= 0)
             body["version"] = version ? *version : m_reports[0]->Version();
         request.body = body.dump();
-        const HttpResponse response = m_router->Handle(request);
+        return request;
+    }
+    // Sends a request (see Request) expecting the status; answers the JSON answer.
+    nlohmann::json Send(const std::string& method, const std::string& target, int status,
+                        nlohmann::json body = nlohmann::json::object(),
+                        std::optional<long long> version = std::nullopt) {
+        const HttpResponse response = m_router->Handle(Request(method, target, body, version));
         EXPECT_EQ(response.status, status) << method << " " << target << ": " << response.body;
         return nlohmann::json::parse(response.body);
     }
@@ -120,8 +103,9 @@ protected:
         Send("POST", "/api/v1/redo", 200);
     }
 
-    fs::path m_folder;
-    fs::path m_report;
+    const quillon::testing::TempFile m_work{"batch.txt"};
+    const fs::path m_folder = m_work.Folder();
+    const fs::path m_report = m_work.Path();
     std::string m_original;
     ServedReports m_reports;
     std::unique_ptr<Router> m_router;
@@ -129,7 +113,7 @@ protected:
 
 TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
     const int m = WithCandidates();
-    const nlohmann::json before = ModelExport(*m_reports[0]);
+    const std::string before = ModelOf(*m_reports[0]);
     const nlohmann::json candidates = Send("GET", Metabolite(m) + "/candidates", 200)["candidates"];
     const long long first = m_reports[0]->Version();
 
@@ -157,7 +141,7 @@ TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
     Send("DELETE", Metabolite(m) + "/candidates/99", 400);
     Send("PATCH", "/api/v1/samples/99999/metabolites/0", 400, {{"confirmed", true}});
     Send("POST", "/api/v1/redo", 409);
-    const nlohmann::json edited = ModelExport(*m_reports[0]);
+    const std::string edited = ModelOf(*m_reports[0]);
 
     for (int i = 0; i < 4; ++i)
         answer = Send("POST", "/api/v1/undo", 200);
@@ -165,22 +149,22 @@ TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
     EXPECT_EQ(answer["review"]["unsaved"], 0);
     EXPECT_EQ(answer["review"]["can_redo"], true);
     Send("POST", "/api/v1/undo", 409);
-    EXPECT_EQ(ModelExport(*m_reports[0]), before);
+    EXPECT_EQ(ModelOf(*m_reports[0]), before);
     EXPECT_EQ(Send("GET", Metabolite(m) + "/candidates", 200)["candidates"], candidates);
 
     for (int i = 0; i < 4; ++i)
         Send("POST", "/api/v1/redo", 200);
-    EXPECT_EQ(ModelExport(*m_reports[0]), edited);
+    EXPECT_EQ(ModelOf(*m_reports[0]), edited);
     EXPECT_EQ(Send("GET", "/api/v1/batch", 200)["review"]["unsaved"], 4);
 }
 
 TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
-    const nlohmann::json original = ModelExport(*m_reports[0]);
+    const std::string original = ModelOf(*m_reports[0]);
     const int m = WithCandidates();
     Review(m);
     Send("PATCH", Metabolite(m + 1), 200, {{"label", "tab\u00e9 — non-ASCII"}});
     Send("POST", "/api/v1/undo", 200);
-    const nlohmann::json reviewed = ModelExport(*m_reports[0]);
+    const std::string reviewed = ModelOf(*m_reports[0]);
     ASSERT_TRUE(fs::exists(Journal()));
     // A second server of the report meanwhile neither offers this server's changes nor makes its
     // own.
@@ -212,18 +196,18 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
     EXPECT_TRUE(answer["review"]["journal"].is_null());
     EXPECT_EQ(answer["review"]["unsaved"], 3);
     EXPECT_EQ(answer["review"]["can_redo"], true);
-    EXPECT_EQ(ModelExport(*m_reports[0]), reviewed);
+    EXPECT_EQ(ModelOf(*m_reports[0]), reviewed);
     // The resumed journal goes on: the cut-off line is gone, a redo replays after it.
     Send("POST", "/api/v1/redo", 200);
-    const nlohmann::json redone = ModelExport(*m_reports[0]);
+    const std::string redone = ModelOf(*m_reports[0]);
     Serve();
     Send("POST", "/api/v1/journal/apply", 200);
-    EXPECT_EQ(ModelExport(*m_reports[0]), redone);
+    EXPECT_EQ(ModelOf(*m_reports[0]), redone);
 
     Serve();
     Send("DELETE", "/api/v1/journal", 200);
     EXPECT_FALSE(fs::exists(Journal()));
-    EXPECT_EQ(ModelExport(*m_reports[0]), original);
+    EXPECT_EQ(ModelOf(*m_reports[0]), original);
     Send("POST", "/api/v1/journal/apply", 409);
 
     // A journal that cannot be read is neither offered nor written after; a line that is no change
@@ -234,8 +218,8 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
         Serve();
         EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
         Send("PATCH", Metabolite(m), 500, {{"confirmed", false}});
-        EXPECT_EQ(Slurp(Journal()), damaged);
-        EXPECT_EQ(ModelExport(*m_reports[0]), original);
+        EXPECT_EQ(ReadBytes(Journal()), damaged);
+        EXPECT_EQ(ModelOf(*m_reports[0]), original);
     }
     // A journal without a whole change holds nothing to offer, and goes.
     std::ofstream(Journal()) << "{\"journal\":1,\"size\":1,\"modified_ns\":2,\"hash\":\"3\"}\n"
@@ -248,92 +232,57 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
 TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     const int m = WithCandidates();
     Review(m);
-    const nlohmann::json reviewed = ModelExport(*m_reports[0]);
+    const std::string reviewed = ModelOf(*m_reports[0]);
     nlohmann::json answer = Send("POST", "/api/v1/save", 200);
     EXPECT_EQ(answer["review"]["unsaved"], 0);
     EXPECT_EQ(answer["review"]["can_undo"], false);
     EXPECT_TRUE(answer["review"]["saved_at"].is_string());
     EXPECT_FALSE(fs::exists(Journal()));
     Serve();
-    EXPECT_EQ(ModelExport(*m_reports[0]), reviewed);
+    EXPECT_EQ(ModelOf(*m_reports[0]), reviewed);
     EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
 
     // Another program replaces the report: saving over it is refused, saving as a new file
     // writes the edits into the report as it was read, and the review continues there.
     Send("PATCH", Metabolite(m), 200, {{"label", "second look"}});
-    const nlohmann::json relabelled = ModelExport(*m_reports[0]);
-    const std::string saved = Slurp(m_report);
-    {
-        std::ofstream other(m_folder / "other.txt", std::ios::binary);
-        other << saved << "# written by another program\n";
-    }
+    const std::string relabelled = ModelOf(*m_reports[0]);
+    const std::string saved = ReadBytes(m_report);
+    std::ofstream(m_folder / "other.txt", std::ios::binary)
+        << saved << "# written by another program\n";
     fs::rename(m_folder / "other.txt", m_report);
-    const std::string replaced = Slurp(m_report);
+    const std::string replaced = ReadBytes(m_report);
     EXPECT_EQ(Send("POST", "/api/v1/save", 409)["changed_on_disk"], true);
-    EXPECT_EQ(Slurp(m_report), replaced);
+    EXPECT_EQ(ReadBytes(m_report), replaced);
     Send("POST", "/api/v1/save-as", 400, {{"name", "../outside.txt"}});
     Send("POST", "/api/v1/save-as", 400, {{"name", ".hidden"}});
     std::ofstream(m_folder / "taken.txt") << "another file\n";
     EXPECT_EQ(Send("POST", "/api/v1/save-as", 409, {{"name", "taken.txt"}})["exists"], true);
-    EXPECT_EQ(Slurp(m_folder / "taken.txt"), "another file\n");
+    EXPECT_EQ(ReadBytes(m_folder / "taken.txt"), "another file\n");
     answer = Send("POST", "/api/v1/save-as", 200, {{"name", "reviewed.txt"}});
     EXPECT_EQ(answer["review"]["file"], "reviewed.txt");
     EXPECT_EQ(answer["review"]["unsaved"], 0);
-    EXPECT_EQ(Slurp(m_report), replaced);
+    EXPECT_EQ(ReadBytes(m_report), replaced);
     EXPECT_FALSE(fs::exists(Journal()));
 
     ServedReports copy = LoadReports({(m_folder / "reviewed.txt").string()});
-    EXPECT_EQ(ModelExport(*copy[0]), relabelled);
-    EXPECT_EQ(Slurp(m_folder / "reviewed.txt").find("another program"), std::string::npos);
+    EXPECT_EQ(ModelOf(*copy[0]), relabelled);
+    EXPECT_EQ(ReadBytes(m_folder / "reviewed.txt").find("another program"), std::string::npos);
 }
 
-// Runs save in a child process limited by limit, and answers its HTTP status (0 when the limit
-// could not be set up).
-template <class Limit>
-int StatusOfSaveInChild(Router& router, long long version, Limit limit) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (!limit())
-            ::_exit(0);
-        HttpRequest request;
-        request.method = "POST";
-        request.path = "/api/v1/save";
-        request.headers = {{"host", "127.0.0.1:8765"},
-                           {"cookie", std::string("quillon_token=") + kToken},
-                           {"x-quillon-request", "1"},
-                           {"if-match", std::to_string(version)}};
-        ::_exit(router.Handle(request).status % 256);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
+// A save that fails half-way (a file-size limit, in a child process) is an error answer and
+// leaves the report and the journal as they were.
 TEST_F(ReviewTest, AFailedSaveLeavesTheReportAndTheJournal) {
     Review(WithCandidates());
-    const long long version = m_reports[0]->Version();
-    const std::string journal = Slurp(Journal());
-
-    const int full = StatusOfSaveInChild(*m_router, version, [] {
+    const std::string journal = ReadBytes(Journal());
+    const int failed = quillon::testing::RunInChild(false, [this] {
         ::signal(SIGXFSZ, SIG_IGN);
         const rlimit small{64 * 1024, 64 * 1024};
-        return ::setrlimit(RLIMIT_FSIZE, &small) == 0;
+        return ::setrlimit(RLIMIT_FSIZE, &small) == 0 &&
+               m_router->Handle(Request("POST", "/api/v1/save")).status == 500;
     });
-    EXPECT_EQ(full, 500 % 256);
-    EXPECT_EQ(Slurp(m_report), m_original);
-    EXPECT_EQ(Slurp(Journal()), journal);
-
-    // A folder the server may not write in: as root, the child gives up root first.
-    ASSERT_EQ(::chmod(m_folder.c_str(), 0555), 0);
-    const int readOnly = StatusOfSaveInChild(*m_router, version, [] {
-        return ::geteuid() != 0 || (::setgid(65534) == 0 && ::setuid(65534) == 0);
-    });
-    if (readOnly == 0)
-        GTEST_SKIP() << "could not run the save as a user other than root";
-    EXPECT_EQ(readOnly, 500 % 256);
-    EXPECT_EQ(Slurp(m_report), m_original);
-    EXPECT_EQ(Slurp(Journal()), journal);
-    EXPECT_EQ(Send("GET", "/api/v1/review", 200)["review"]["unsaved"], 3);
+    EXPECT_EQ(failed, 1);
+    EXPECT_EQ(ReadBytes(m_report), m_original);
+    EXPECT_EQ(ReadBytes(Journal()), journal);
 }
 
 } // namespace

@@ -1,34 +1,27 @@
 // The streaming JSON writer: the document's layout (a record a line), every kind of value, and
 // texts escaped so that nothing a user typed breaks the document.
+#include "support/TempFile.h"
+
 #include <Output.h>
 #include <json/JsonWriter.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <sstream>
-#include <unistd.h>
 
 namespace quillon::tool {
 namespace {
 
 // The text the writer leaves in a file after write.
 std::string Written(const std::function<void(JsonWriter&)>& write) {
-    const auto path = std::filesystem::temp_directory_path() /
-                      ("quillon-json-" + std::to_string(::getpid()) + ".json");
-    Output output(path.string());
+    const quillon::testing::TempFile file("written.json");
+    Output output(file.Path());
     JsonWriter json(output);
     write(json);
     json.Flush();
     output.Close();
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    std::filesystem::remove(path);
-    return text.str();
+    return file.Read();
 }
 
 std::string Text(std::string_view text) {

@@ -32,9 +32,9 @@ std::string Reference(float value) {
 
 std::vector<float> Samples() {
     std::vector<float> values = {
-        260.7292f, 0.1f,     33.0f,  100.0f,     0.0f,       -0.0f,          1e4f,       12340.0f,
-        100000.0f, 1e21f,    0.01f,  0.5f,       4194304.0f, 4194303.5f,     8388607.0f, 1.9999999f,
-        9.999999f, -12.345f, 1e-40f, 0.0099999f, 3.4e38f,    1.17549435e-38f};
+        260.7292f, 0.1f,     33.0f,  100.0f,     0.0f,       -0.0f,      1e4f,           12340.0f,
+        100000.0f, 1e21f,    0.01f,  0.5f,       4194304.0f, 4194303.5f, 8388607.0f,     1.9999999f,
+        9.999999f, -12.345f, 1e-40f, 0.0099999f, 3.4e38f,    0.045f,     1.17549435e-38f};
     std::mt19937 random(20260312);
     // Any bit pattern of a finite float.
     std::uniform_int_distribution<std::uint32_t> bits;
@@ -54,10 +54,7 @@ std::vector<float> Samples() {
 }
 
 TEST(NumberTextTest, FloatsPrintAsTheShortestTextThatReadsBack) {
-    EXPECT_EQ(Shortest(260.7292f), "260.7292");
-    EXPECT_EQ(Shortest(33.0f), "33");
     EXPECT_EQ(Shortest(100000.0f), "1e+05");
-    EXPECT_EQ(Shortest(0.045f), "0.045");
     int mismatches = 0;
     for (const float value : Samples()) {
         const std::string text = Shortest(value);
@@ -88,10 +85,9 @@ TEST(NumberTextTest, DoublesPrintAsFloatsOnlyWhenTheyHoldAFloat) {
 }
 
 TEST(NumberTextTest, IntegralTextAndFieldNumbers) {
-    EXPECT_TRUE(LooksIntegral("100"));
-    EXPECT_TRUE(LooksIntegral("-3"));
-    EXPECT_FALSE(LooksIntegral("1e+05"));
-    EXPECT_FALSE(LooksIntegral("1.5"));
+    for (const auto& [text, integral] :
+         {std::pair{"100", true}, {"-3", true}, {"1e+05", false}, {"1.5", false}})
+        EXPECT_EQ(LooksIntegral(text), integral) << text;
 
     double number = -1.0;
     EXPECT_TRUE(ParseNumberText(" 12.5\t", number));
