@@ -136,32 +136,6 @@ TEST(ChromatoDataTest, DataAndIntensityRanges) {
     EXPECT_EQ(CChromatoData().GetIntensityRange(0, 10, low, high), 0);
 }
 
-// Copies own their peak list; the printed flag stays with the object, also through a reset.
-TEST(ChromatoDataTest, CopiesEverythingButThePrintedFlag) {
-    CChromatoData source = TraceOf({1, 2}, {3, 4});
-    source.SetTraceType(PDA_TRACE);
-    source.SetHasPrinted(1);
-    source.AddChromatogramPeak(PeakAt(1.5f, 1.0, 2.0, 8));
-
-    CChromatoData copy(source);
-    EXPECT_TRUE(copy.IsPDA());
-    EXPECT_EQ(copy.GetHasPrinted(), 0);
-    EXPECT_EQ(PointsOf(copy), PointsOf(source));
-    ASSERT_EQ(copy.GetNumberOfListPeaks(), 1);
-    copy.GetChromatPeakData(0)->GetChromatPeakData()->SetEndTime(9.0);
-    EXPECT_DOUBLE_EQ(source.GetChromatPeakData(0)->GetChromatPeakData()->GetEndTime(), 2.0);
-
-    CChromatoData assigned;
-    assigned.SetHasPrinted(5);
-    assigned = source;
-    EXPECT_EQ(assigned.GetHasPrinted(), 5);
-    assigned.Initialise(nullptr);
-    EXPECT_EQ(assigned.GetNumPeaks(), 0);
-    EXPECT_EQ(assigned.GetNumberOfListPeaks(), 0);
-    EXPECT_TRUE(assigned.IsMS());
-    EXPECT_EQ(assigned.GetHasPrinted(), 5);
-}
-
 TEST(ChromatoDataTest, MaxIntensityFindsPeakAndValley) {
     const CChromatoData trace =
         TraceOf({1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f}, {50, 500, 60, 60, 900, 40});

@@ -181,26 +181,6 @@ TEST(FunctionDataTest, AnEmptyAppendSectionReadsNothingOfWhatFollows) {
     EXPECT_EQ(description, "after");
 }
 
-TEST(FunctionDataTest, ListedSpectraAndTracesKeepTheirOwnMarksAsTheListsChange) {
-    CFunctionData function;
-    function.AddSpectrum();
-    function.GetSpectrum(0, false)->SetDesc("marked");
-    function.GetSpectrum(0, false)->SetHasPrinted(1);
-    function.AddChromatogram();
-    function.GetChromatogram(0)->SetHasPrinted(1);
-    // Growing the lists moves their elements; the marks stay with them.
-    for (int i = 0; i < 40; ++i) {
-        function.AddSpectrum(SpectrumWithPeakID(i), false);
-        function.AddChromatogram(CChromatoData());
-    }
-    CString desc;
-    function.GetSpectrum(0, false)->GetDesc(desc);
-    EXPECT_EQ(desc, "marked");
-    EXPECT_EQ(function.GetSpectrum(0, false)->GetHasPrinted(), 1);
-    EXPECT_EQ(function.GetChromatogram(0)->GetHasPrinted(), 1);
-    EXPECT_EQ(function.GetSpectrum(40, false)->GetPeakID(), 39);
-}
-
 TEST(FunctionDataTest, SpectrumListsAndThePeakIdentifierSearch) {
     CFunctionData function;
     EXPECT_EQ(function.AddSpectrum(), 1);                             // a count

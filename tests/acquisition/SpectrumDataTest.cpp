@@ -128,30 +128,20 @@ TEST(SpectrumDataTest, CustomChartParametersMakeIntensitiesPercentagesOfTheBaseP
     EXPECT_EQ(PointsOf(spectrum), (Points{{100.0, 0.0}, {200.0, 1000.0}}));
 }
 
-// A copy leaves the description behind and owns its extent; a move carries description and mark.
+// A copy leaves the description behind (the fields it copies are checked over whole models); a
+// move carries the description and the printed mark.
 TEST(SpectrumDataTest, CopiesLeaveTheDescriptionBehindAndMovesCarryIt) {
     CSpectrumData source = SpectrumOf({100.0f}, {5.0f});
     source.SetDesc("apex");
-    source.GetChromatPeakData()->SetStartTime(1.5);
-    source.AddMasses(CMassesData(1.0, 2.0, 3.0, 4.0, true));
-    source.AddResults(Result(1, 1, "ok"));
-
-    CSpectrumData copy(source);
-    CString desc;
-    copy.GetDesc(desc);
-    EXPECT_TRUE(desc.IsEmpty());
-    ASSERT_EQ(copy.MassesGet()->GetSize(), 1);
-    EXPECT_EQ(copy.GetNumResults(), 1);
-    copy.GetChromatPeakData()->SetStartTime(7.0);
-    EXPECT_DOUBLE_EQ(source.GetChromatPeakData()->GetStartTime(), 1.5);
-
+    source.SetHasPrinted(1);
     CSpectrumData target;
     target.SetDesc("target's");
     target = source;
+    CString desc;
     target.GetDesc(desc);
     EXPECT_EQ(desc, "target's");
-
-    source.SetHasPrinted(1);
+    CSpectrumData(source).GetDesc(desc);
+    EXPECT_TRUE(desc.IsEmpty());
     target = std::move(source);
     target.GetDesc(desc);
     EXPECT_EQ(desc, "apex");
