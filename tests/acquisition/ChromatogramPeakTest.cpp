@@ -20,20 +20,10 @@ CChromatogramPeak ReadPeak(const std::string& block) {
 } // namespace
 
 TEST(ChromatogramPeakTest, ReadsEveryFieldOfAPeakSection) {
-    const CChromatogramPeak peak = ReadPeak("{\n"
-                                            "Peak ID\t12\n"
-                                            "Peak Cluster ID\t3\n"
-                                            "Time\t4.25\n"
-                                            "Peak\t4.1\t4.6\n"
-                                            "Intensity\t120.5\t80.25\n"
-                                            "AreaAbs\t5400.5\n"
-                                            "Height\t900\n"
-                                            "Width\t0.5\n"
-                                            "Peak Ref\t7\n"
-                                            "Unknown\t99\n"
-                                            "[NESTED]\n{\nPeak ID\t55\n}\n"
-                                            "}\n"
-                                            "Peak ID\t66\n");
+    const CChromatogramPeak peak =
+        ReadPeak("{\nPeak ID\t12\nPeak Cluster ID\t3\nTime\t4.25\nPeak\t4.1\t4.6\n"
+                 "Intensity\t120.5\t80.25\nAreaAbs\t5400.5\nHeight\t900\nWidth\t0.5\nPeak Ref\t7\n"
+                 "Unknown\t99\n[NESTED]\n{\nPeak ID\t55\n}\n}\nPeak ID\t66\n");
     EXPECT_EQ(peak.GetPeakID(), 12);
     EXPECT_EQ(peak.GetPeakClusterID(), 3);
     EXPECT_FLOAT_EQ(peak.GetTime(), 4.25f);
@@ -48,12 +38,8 @@ TEST(ChromatogramPeakTest, ReadsEveryFieldOfAPeakSection) {
 }
 
 TEST(ChromatogramPeakTest, ExtentLinesNeedTwoValues) {
-    const CChromatogramPeak peak = ReadPeak("{\n"
-                                            "Peak\t4.1\n"
-                                            "Intensity\t120\n"
-                                            "Time\tabc\n"
-                                            "Peak ID\n"
-                                            "}\n");
+    const CChromatogramPeak peak =
+        ReadPeak("{\nPeak\t4.1\nIntensity\t120\nTime\tabc\nPeak ID\n}\n");
     const CPeakList& extent = *peak.GetChromatPeakData();
     EXPECT_DOUBLE_EQ(extent.GetStartTime(), 0.0);
     EXPECT_DOUBLE_EQ(extent.GetStartIntensity(), 0.0);
