@@ -36,24 +36,14 @@ CChromatogramPeak PeakAt(float time, double start, double end, int id = 0) {
 
 TEST(ChromatoDataTest, ReadsFieldsPointsAndPeaks) {
     CChromatoData trace;
-    ReadBlock(trace, "{\n"
-                     "Description\tES+ 455.2:455.2\n"
-                     "ProcDesc\tSmoothed\n"
-                     "MaxIntensity\t2000\n"
-                     "TraceNumber\t5\n"
-                     "TraceNumberInFunction\t2\n"
-                     "Unknown\tvalue\n"
-                     "[TRACE]\n{\n"
-                     "0.52\t1200\textra\n"
-                     "0.60\n"
-                     "0.70\t1300\n"
-                     "}\n"
+    ReadBlock(trace, "{\nDescription\tES+ 455.2:455.2\nProcDesc\tSmoothed\nMaxIntensity\t2000\n"
+                     "TraceNumber\t5\nTraceNumberInFunction\t2\nUnknown\tvalue\n"
+                     "[TRACE]\n{\n0.52\t1200\textra\n0.60\n0.70\t1300\n}\n"
                      "[PEAK]\n{\nPeak ID\t1\nTime\t0.6\n}\n"
                      "[OTHER]\n{\n[TRACE]\n{\n9\t9\n}\n}\n"
                      "[TRACE]\n{\n0.80\t1400\n}\n"
                      "[PEAK]\n{\nPeak ID\t2\n}\n"
-                     "}\n"
-                     "Description\tafter the block\n");
+                     "}\nDescription\tafter the block\n");
     EXPECT_EQ(trace.GetDescription(), "ES+ 455.2:455.2");
     EXPECT_EQ(trace.GetProcDesc(), "Smoothed");
     float maxIntensity = 0;

@@ -2,6 +2,7 @@
 
 #include <quillon/platform/ChartSettings.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 using namespace quillon;
 using quillon::testing::ReadBlock;
+using quillon::testing::TextOf;
 
 namespace {
 
@@ -84,9 +86,7 @@ TEST(FunctionDataTest, ReadsFieldsAndStampsItsChromatogramsAndSpectra) {
     SetChartSettings(nullptr);
 
     EXPECT_EQ(function.GetNumber(), 2);
-    CString text;
-    function.GetIonMode(text);
-    EXPECT_EQ(text, "ES+");
+    EXPECT_EQ(TextOf(function, &CFunctionData::GetIonMode), "ES+");
     EXPECT_EQ(function.GetConeVoltage(), 30);
     EXPECT_DOUBLE_EQ(function.GetCollisionEnergy(), 6.5);
     double duration = 0.0;
@@ -108,11 +108,9 @@ TEST(FunctionDataTest, ReadsFieldsAndStampsItsChromatogramsAndSpectra) {
 
     ASSERT_EQ(function.GetNumSpectra(false), 1);
     const CSpectrumData* spectrum = function.GetSpectrum();
-    spectrum->GetDesc(text);
-    EXPECT_TRUE(text.IsEmpty()); // stored spectra carry no description
+    EXPECT_EQ(TextOf(*spectrum, &CSpectrumData::GetDesc), ""); // stored spectra carry none
     EXPECT_EQ(spectrum->GetPeakID(), 4);
-    spectrum->GetCustomChartParams(text);
-    EXPECT_EQ(text, "default:Scan (100:900)");
+    EXPECT_EQ(TextOf(*spectrum, &CSpectrumData::GetCustomChartParams), "default:Scan (100:900)");
 }
 
 TEST(FunctionDataTest, DiodeArrayTracesReadPercentagesOfTheirMaximum) {
@@ -158,9 +156,7 @@ TEST(FunctionDataTest, AppendedChromatogramsExtendTheirTraceOrStartANewOne) {
     EXPECT_EQ(started->GetNumPeaks(), 1);
     // Sections and fields after the appends are read as usual.
     EXPECT_EQ(PointCount(function, 6), 1);
-    CString ionMode;
-    function.GetIonMode(ionMode);
-    EXPECT_EQ(ionMode, "ES-");
+    EXPECT_EQ(TextOf(function, &CFunctionData::GetIonMode), "ES-");
 }
 
 TEST(FunctionDataTest, AnEmptyAppendSectionReadsNothingOfWhatFollows) {
@@ -176,9 +172,7 @@ TEST(FunctionDataTest, AnEmptyAppendSectionReadsNothingOfWhatFollows) {
     EXPECT_EQ(PointCount(function, 0), 1);
     EXPECT_EQ(PointCount(function, 6), 1);
     EXPECT_EQ(function.GetChromatogram(0)->GetDescription(), "");
-    CString description;
-    function.GetDescription(description);
-    EXPECT_EQ(description, "after");
+    EXPECT_EQ(TextOf(function, &CFunctionData::GetDescription), "after");
 }
 
 TEST(FunctionDataTest, SpectrumListsAndThePeakIdentifierSearch) {

@@ -17,6 +17,7 @@ using namespace quillon;
 using quillon::testing::Points;
 using quillon::testing::PointsOf;
 using quillon::testing::ReadBlock;
+using quillon::testing::TextOf;
 
 namespace {
 
@@ -65,12 +66,10 @@ TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
     EXPECT_FLOAT_EQ(spectrum.GetBPI(), 2000.0f);
     EXPECT_FLOAT_EQ(spectrum.GetBPM(), 455.25f);
     EXPECT_FLOAT_EQ(spectrum.GetTIC(), 9000.0f);
-    CString text, state, desc, procDesc;
-    spectrum.GetTrace(text);
-    spectrum.GetState(state);
-    spectrum.GetDesc(desc);
-    spectrum.GetProcDesc(procDesc);
-    EXPECT_EQ(text + "|" + state + "|" + desc + "|" + procDesc, "TIC|ok|Apex spectrum|combined");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetTrace), "TIC");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetState), "ok");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetDesc), "Apex spectrum");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetProcDesc), "combined");
     EXPECT_EQ(spectrum.GetTraceNumber(), 7);
     EXPECT_EQ(spectrum.GetContinuum(), 1);
     EXPECT_EQ(spectrum.GetPeakID(), 12);
@@ -98,6 +97,7 @@ TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
 
     ASSERT_EQ(spectrum.GetNumResults(), 3);
     CResultsData result;
+    CString text;
     ASSERT_TRUE(spectrum.GetResults(0, result));
     EXPECT_DOUBLE_EQ(result.GetMono(), 455.2);
     EXPECT_EQ(result.GetFound(), 1);
@@ -137,14 +137,10 @@ TEST(SpectrumDataTest, CopiesLeaveTheDescriptionBehindAndMovesCarryIt) {
     CSpectrumData target;
     target.SetDesc("target's");
     target = source;
-    CString desc;
-    target.GetDesc(desc);
-    EXPECT_EQ(desc, "target's");
-    CSpectrumData(source).GetDesc(desc);
-    EXPECT_TRUE(desc.IsEmpty());
+    EXPECT_EQ(TextOf(target, &CSpectrumData::GetDesc), "target's");
+    EXPECT_EQ(TextOf(CSpectrumData(source), &CSpectrumData::GetDesc), "");
     target = std::move(source);
-    target.GetDesc(desc);
-    EXPECT_EQ(desc, "apex");
+    EXPECT_EQ(TextOf(target, &CSpectrumData::GetDesc), "apex");
     EXPECT_EQ(target.GetHasPrinted(), 1);
     EXPECT_EQ(target.GetNumPeaks(), 1);
 }

@@ -1,5 +1,6 @@
 #include <quillon/document/SampleData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 
 using namespace quillon;
 using quillon::testing::ReadBlock;
+using quillon::testing::TextOf;
 
 namespace {
 
@@ -198,11 +200,9 @@ TEST(SampleDataFunctionAppendTest, ContinuationsReadOnFromOutsideTheirBlock) {
 
     ASSERT_EQ(sample.GetFunctionCount(), 2);
     CFunctionData* continued = sample.GetFunction(0);
-    CString text;
-    continued->GetIonMode(text);
-    EXPECT_EQ(text, "ES-");
-    continued->GetDescription(text);
-    EXPECT_EQ(text, "ANALOG 1"); // the analog section's field, read by the function
+    EXPECT_EQ(TextOf(*continued, &CFunctionData::GetIonMode), "ES-");
+    // The analog section's field, read by the function.
+    EXPECT_EQ(TextOf(*continued, &CFunctionData::GetDescription), "ANALOG 1");
     EXPECT_TRUE(continued->IsAnalog());
     EXPECT_EQ(sample.GetAnalogCount(), 0);
 

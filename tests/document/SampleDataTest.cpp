@@ -1,5 +1,6 @@
 #include <quillon/document/SampleData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -10,15 +11,9 @@
 
 using namespace quillon;
 using quillon::testing::ReadBlock;
+using quillon::testing::TextOf;
 
 namespace {
-
-template <class Getter>
-CString Text(const CSampleData& sample, Getter getter) {
-    CString text;
-    (sample.*getter)(text);
-    return text;
-}
 
 std::vector<double> Values(const CDoubleArray& array) {
     return std::vector<double>(array.begin(), array.end());
@@ -63,7 +58,7 @@ TEST(SampleDataTest, ReadsEveryHeaderFieldWithItsConversion) {
     EXPECT_EQ(ReadBlock(sample, block + "}\n"), "AFTER");
     CString byName;
     for (const auto& each : texts) {
-        EXPECT_EQ(Text(sample, each.get), each.value) << each.field;
+        EXPECT_EQ(TextOf(sample, each.get), each.value) << each.field;
         EXPECT_TRUE(sample.GetHeaderField(each.field, byName) && byName == each.value)
             << each.field;
     }
@@ -84,14 +79,14 @@ TEST(SampleDataTest, ReadsEveryHeaderFieldWithItsConversion) {
     CString plate;
     EXPECT_EQ(sample.GetPlateDescription(plate), 1);
     EXPECT_EQ(plate, "ANSI-96");
-    EXPECT_EQ(Text(sample, &CSampleData::GetType), "Control");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetType), "Control");
     EXPECT_TRUE(sample.IsControl());
     EXPECT_FLOAT_EQ(sample.GetSubjectTime(), 30.5f);
     EXPECT_DOUBLE_EQ(sample.GetConcentration(), 0.25);
     EXPECT_FALSE(sample.GetLockSprayEnabled());
     EXPECT_TRUE(sample.GetMUXEnabled());
-    EXPECT_EQ(Text(sample, &CSampleData::GetProcessingInfo), "first\nsecond");
-    EXPECT_EQ(Text(sample, &CSampleData::GetProcessingWarning), "a\nb");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetProcessingInfo), "first\nsecond");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetProcessingWarning), "a\nb");
 }
 
 TEST(SampleDataTest, FieldValueEdgeCases) {
@@ -101,7 +96,7 @@ TEST(SampleDataTest, FieldValueEdgeCases) {
     CString well;
     sample.GetWell(well);
     EXPECT_EQ(well, "1"); // an empty well is the first well
-    EXPECT_EQ(Text(sample, &CSampleData::GetType), "qc");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetType), "qc");
     EXPECT_FALSE(sample.IsControl());
     EXPECT_EQ(sample.GetConcentration(), 0.0);
 
@@ -125,7 +120,7 @@ TEST(SampleDataTest, ReadsItsSectionsAndSkipsOthersWithTheirBlocks) {
                 "SampleID\tafter sections\n}\n");
     EXPECT_EQ(next, "AFTER");
     EXPECT_EQ(sample.GetNumber(), 4);
-    EXPECT_EQ(Text(sample, &CSampleData::GetID), "after sections");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetID), "after sections");
 
     ASSERT_EQ(sample.GetCompoundCount(), 2);
     CString formula, name;

@@ -15,17 +15,12 @@
 using namespace quillon;
 using quillon::testing::SampleNumbers;
 using quillon::testing::TempFile;
+using quillon::testing::TextOf;
 
 namespace {
 
 std::string SampleSection(int number, const std::string& extra = "") {
     return "[SAMPLE]\n{\nSample\t" + std::to_string(number) + "\n" + extra + "}\n";
-}
-
-CString Text(const CSampleData& sample, void (CSampleData::*getter)(CString&) const) {
-    CString text;
-    (sample.*getter)(text);
-    return text;
 }
 
 struct Message {
@@ -86,7 +81,7 @@ TEST(SamplesTest, ReadKeepsNumberOrderFileEntriesAndSectionPositions) {
     EXPECT_EQ(samples.GetSample(0)->GetFileEntry(), 1);
     EXPECT_EQ(samples.GetSample(1)->GetFileEntry(), 0);
     EXPECT_EQ(samples.GetSample(2)->GetFileEntry(), 2);
-    EXPECT_EQ(Text(*samples.GetSample(2), &CSampleData::GetID), "second five");
+    EXPECT_EQ(TextOf(*samples.GetSample(2), &CSampleData::GetID), "second five");
 
     const unsigned long firstStart = std::string(";report\n").size();
     EXPECT_EQ(samples.GetSample(1)->GetFilePosStart(), firstStart);
@@ -103,7 +98,7 @@ TEST(SamplesTest, AppendedSectionsGoToTheHighestNumberedSample) {
     ASSERT_EQ(samples.Read(file.c_str()), 1);
     ASSERT_EQ(SampleNumbers(samples), (std::vector<int>{2, 8}));
     const CSampleData& appended = *samples.GetSample(1);
-    EXPECT_EQ(Text(appended, &CSampleData::GetProcessingWarning), "early\nlate");
+    EXPECT_EQ(TextOf(appended, &CSampleData::GetProcessingWarning), "early\nlate");
     EXPECT_EQ(appended.GetCompoundCount(), 1);
     EXPECT_EQ(appended.GetFilePosEnd(), file.Read().size());
     EXPECT_EQ(samples.GetSample(0)->GetCompoundCount(), 0);

@@ -20,6 +20,14 @@ Points PointsOf(const Data& data) {
     return points;
 }
 
+// The text a getter of the form "void GetName(CString&) const" hands out.
+template <class Object, class Getter>
+CString TextOf(const Object& object, Getter getter) {
+    CString text;
+    (object.*getter)(text);
+    return text;
+}
+
 // The numbers of the collection's samples, in the order it holds them.
 inline std::vector<int> SampleNumbers(CSamples& samples) {
     std::vector<int> numbers;
