@@ -6,13 +6,13 @@
 #include <quillon/quillon.h>
 
 #include "support/ChildProcess.h"
+#include "support/Sanitizer.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 
 #include <sys/resource.h>
@@ -21,19 +21,6 @@ using namespace quillon;
 using quillon::testing::TempFile;
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) ||                         \
-    __has_feature(thread_sanitizer)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
-#else
-constexpr bool kSanitized = false;
-#endif
 
 // The address space the process uses now, in bytes; 0 when it cannot be told.
 size_t AddressSpaceInUse() {
@@ -83,10 +70,7 @@ std::string SmallReport(const TempFile& folder) {
     options.samples = 2;
     options.pointsPerTrace = 50;
     generate::GenerateBatch(options);
-    std::ifstream in(options.reportPath, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
+    return quillon::testing::ReadBytes(options.reportPath);
 }
 
 } // namespace
@@ -107,7 +91,7 @@ std::string FarOutMSMSEntries() {
 }
 
 TEST(BoundedMemoryTest, NoNumberInAReportMakesTheReaderAllocateWithoutBound) {
-    if (kSanitized)
+    if (quillon::testing::kSanitized)
         GTEST_SKIP() << "a sanitizer reserves more address space than any limit allows";
     TempFile folder;
     const std::string report = SmallReport(folder);
