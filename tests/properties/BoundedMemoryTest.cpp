@@ -6,6 +6,7 @@
 #include <quillon/quillon.h>
 
 #include "support/ChildProcess.h"
+#include "support/HostRecorder.h"
 #include "support/Sanitizer.h"
 #include "support/TempFile.h"
 
@@ -40,13 +41,7 @@ bool ReadsUnderMemoryLimit(const std::string& path, size_t fileSize) {
     constexpr size_t kAllowance = 16u << 20;
     constexpr size_t kPerByteOfFile = 8;
     const int failed = quillon::testing::RunInChild(false, [&] {
-        int messages = 0;
-        HostHooks hooks;
-        hooks.showMessage = [&messages](const CString&, const CString&, MessageIcon) {
-            ++messages;
-            return kMessageOk;
-        };
-        SetHostHooks(hooks);
+        const quillon::testing::HostRecorder host;
         const size_t inUse = AddressSpaceInUse();
         const rlim_t limit = inUse + kAllowance + kPerByteOfFile * fileSize;
         const rlimit memory{limit, limit};
@@ -58,7 +53,7 @@ bool ReadsUnderMemoryLimit(const std::string& path, size_t fileSize) {
         } catch (...) {
             return true;
         }
-        return messages != 0;
+        return !host.messages.empty();
     });
     return failed == 0;
 }

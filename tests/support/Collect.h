@@ -3,6 +3,7 @@
 #include <quillon/acquisition/PeakData.h>
 #include <quillon/document/Samples.h>
 
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -21,8 +22,8 @@ Points PointsOf(const Data& data) {
 }
 
 // The text a getter of the form "void GetName(CString&) const" hands out.
-template <class Object, class Getter>
-CString TextOf(const Object& object, Getter getter) {
+template <class Object>
+CString TextOf(const Object& object, void (std::type_identity_t<Object>::*getter)(CString&) const) {
     CString text;
     (object.*getter)(text);
     return text;
