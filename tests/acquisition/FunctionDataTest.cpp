@@ -97,6 +97,12 @@ TEST(FunctionDataTest, ReadsFieldsAndStampsItsChromatogramsAndSpectra) {
     EXPECT_TRUE(function.GetFunctionRange(start, end));
     EXPECT_EQ(start, 100);
     EXPECT_EQ(end, 900);
+    // Without "(" or ":" the range is the number at the description's start, both ends.
+    CFunctionData unranged;
+    unranged.SetDescription("12 to 900");
+    EXPECT_TRUE(unranged.GetFunctionRange(start, end));
+    EXPECT_EQ(start, 12);
+    EXPECT_EQ(end, 12);
     EXPECT_EQ(function.GetFunctionText(1), "2:MSES+");
     EXPECT_EQ(function.GetFunctionText(0), "MSES+");
 
@@ -219,18 +225,4 @@ TEST(FunctionDataTest, IsPositiveCombinesItsSpectra) {
     EXPECT_TRUE(function.IsPositive(0, passed, nullptr));
     EXPECT_EQ(passed, 1);
     EXPECT_FALSE(function.IsPositive(1));
-}
-
-TEST(FunctionDataTest, ScanRangesFallBackToTheStartOfTheDescription) {
-    CFunctionData function;
-    int start = -1;
-    int end = -1;
-    function.SetDescription("no range"); // atoi of the whole text
-    function.GetFunctionRange(start, end);
-    EXPECT_EQ(start, 0);
-    EXPECT_EQ(end, 0);
-    function.SetDescription("12 to 900"); // no "(" or ":": the text from its start
-    function.GetFunctionRange(start, end);
-    EXPECT_EQ(start, 12);
-    EXPECT_EQ(end, 12);
 }

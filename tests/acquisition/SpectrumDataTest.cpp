@@ -112,20 +112,18 @@ TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
     EXPECT_FALSE(spectrum.GetResults(3, result));
 }
 
-TEST(SpectrumDataTest, ShortExtentLinesAndMixedCaseContinuumChangeNothing) {
+// Short extent lines and a mixed-case "Continuum" change nothing; with custom chart parameters
+// the base peak intensity in force when each point line is read makes it a percentage.
+TEST(SpectrumDataTest, ShortLinesAndPercentScaling) {
     CSpectrumData spectrum;
     ReadBlock(spectrum, "{\nPeak\t5.2\nIntensity\t10\nContinuum\tTrue\n}\n");
     EXPECT_DOUBLE_EQ(spectrum.GetChromatPeakData()->GetStartTime(), 0.0);
     EXPECT_DOUBLE_EQ(spectrum.GetChromatPeakData()->GetStartIntensity(), 0.0);
     EXPECT_EQ(spectrum.GetContinuum(), 0);
-}
-
-TEST(SpectrumDataTest, CustomChartParametersMakeIntensitiesPercentagesOfTheBasePeak) {
-    CSpectrumData spectrum;
-    spectrum.SetUsesCustomChartParams(1);
-    // The base peak intensity in force when each point line is read scales it.
-    ReadBlock(spectrum, "{\n[MS]\n{\n100\t50\n}\nBPI\t2000\n[MS]\n{\n200\t50\n}\n}\n");
-    EXPECT_EQ(PointsOf(spectrum), (Points{{100.0, 0.0}, {200.0, 1000.0}}));
+    CSpectrumData scaled;
+    scaled.SetUsesCustomChartParams(1);
+    ReadBlock(scaled, "{\n[MS]\n{\n100\t50\n}\nBPI\t2000\n[MS]\n{\n200\t50\n}\n}\n");
+    EXPECT_EQ(PointsOf(scaled), (Points{{100.0, 0.0}, {200.0, 1000.0}}));
 }
 
 // A copy leaves the description behind (the fields it copies are checked over whole models); a
