@@ -35,16 +35,14 @@ TEST(ChromatogramPeakTest, ReadsEveryFieldOfAPeakSection) {
     EXPECT_FLOAT_EQ(peak.GetHeight(), 900.0f);
     EXPECT_FLOAT_EQ(peak.GetWidth(), 0.5f);
     EXPECT_EQ(peak.GetPeakRef(), 7);
-}
 
-TEST(ChromatogramPeakTest, ExtentLinesNeedTwoValues) {
-    const CChromatogramPeak peak =
+    // Extent lines need two values; a time or identifier that does not scan reads 0.
+    const CChromatogramPeak shortLines =
         ReadPeak("{\nPeak\t4.1\nIntensity\t120\nTime\tabc\nPeak ID\n}\n");
-    const CPeakList& extent = *peak.GetChromatPeakData();
-    EXPECT_DOUBLE_EQ(extent.GetStartTime(), 0.0);
-    EXPECT_DOUBLE_EQ(extent.GetStartIntensity(), 0.0);
-    EXPECT_FLOAT_EQ(peak.GetTime(), 0.0f);
-    EXPECT_EQ(peak.GetPeakID(), 0);
+    EXPECT_DOUBLE_EQ(shortLines.GetChromatPeakData()->GetStartTime(), 0.0);
+    EXPECT_DOUBLE_EQ(shortLines.GetChromatPeakData()->GetStartIntensity(), 0.0);
+    EXPECT_FLOAT_EQ(shortLines.GetTime(), 0.0f);
+    EXPECT_EQ(shortLines.GetPeakID(), 0);
 }
 
 // A confirmation test fails only on 0; with no test the peak has not failed one.
