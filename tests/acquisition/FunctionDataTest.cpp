@@ -163,22 +163,19 @@ TEST(FunctionDataTest, AppendedChromatogramsExtendTheirTraceOrStartANewOne) {
     // Sections and fields after the appends are read as usual.
     EXPECT_EQ(PointCount(function, 6), 1);
     EXPECT_EQ(TextOf(function, &CFunctionData::GetIonMode), "ES-");
-}
 
-TEST(FunctionDataTest, AnEmptyAppendSectionReadsNothingOfWhatFollows) {
-    CFunctionData function;
-    ReadBlock(function, "{\nFunction\t1\n"
-                        "[CHROMATOGRAM]\n{\nTraceNumber\t0\n[TRACE]\n{\n1\t1\n}\n}\n"
-                        "[CHROMATOGRAM_APPEND]\n{\n}\n"
-                        "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
-                        "Description\tafter\n"
-                        "}\n");
-
-    ASSERT_EQ(function.GetNumChromatogram(), 2);
-    EXPECT_EQ(PointCount(function, 0), 1);
-    EXPECT_EQ(PointCount(function, 6), 1);
-    EXPECT_EQ(function.GetChromatogram(0)->GetDescription(), "");
-    EXPECT_EQ(TextOf(function, &CFunctionData::GetDescription), "after");
+    // An empty append section reads nothing of what follows it.
+    CFunctionData emptyAppend;
+    ReadBlock(emptyAppend, "{\nFunction\t1\n"
+                           "[CHROMATOGRAM]\n{\nTraceNumber\t0\n[TRACE]\n{\n1\t1\n}\n}\n"
+                           "[CHROMATOGRAM_APPEND]\n{\n}\n"
+                           "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
+                           "Description\tafter\n}\n");
+    ASSERT_EQ(emptyAppend.GetNumChromatogram(), 2);
+    EXPECT_EQ(PointCount(emptyAppend, 0), 1);
+    EXPECT_EQ(PointCount(emptyAppend, 6), 1);
+    EXPECT_EQ(emptyAppend.GetChromatogram(0)->GetDescription(), "");
+    EXPECT_EQ(TextOf(emptyAppend, &CFunctionData::GetDescription), "after");
 }
 
 TEST(FunctionDataTest, SpectrumListsAndThePeakIdentifierSearch) {
