@@ -216,20 +216,19 @@ TEST(DelimitFileTest, SkipOperationsStopAtTheirMarkOrAtEndOfFile) {
 TEST(DelimitFileTest, FormattedWriterPutsEveryConversionInItsOwnField) {
     CDelimitFile file;
     CStringArray pieces;
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "%s%.4f"), 2);
-    EXPECT_EQ(pieces[0], "%s");
-    EXPECT_EQ(pieces[1], "%.4f");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "Name%d %s"), 3);
-    EXPECT_EQ(pieces[0], "Name");
-    EXPECT_EQ(pieces[1], "%d "); // a blank after a conversion stays in its field
-    EXPECT_EQ(pieces[2], "%s");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "%d%%%d"), 2);
-    EXPECT_EQ(pieces[0], "%d%%");
-    EXPECT_EQ(pieces[1], "%d");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "x"), 1);
-    EXPECT_EQ(pieces[0], "x");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, ""), 0);
-    EXPECT_TRUE(pieces.IsEmpty());
+    const auto split = [&](const char* format) {
+        const int count = file.SplitFieldTypes(pieces, format);
+        Fields fields;
+        for (const CString& piece : pieces)
+            fields.emplace_back(piece.str());
+        EXPECT_EQ(count, static_cast<int>(fields.size())) << format;
+        return fields;
+    };
+    EXPECT_EQ(split("%s%.4f"), (Fields{"%s", "%.4f"}));
+    EXPECT_EQ(split("Name%d %s"), (Fields{"Name", "%d ", "%s"})); // a blank stays in its field
+    EXPECT_EQ(split("%d%%%d"), (Fields{"%d%%", "%d"}));
+    EXPECT_EQ(split("x"), Fields{"x"});
+    EXPECT_EQ(split(""), Fields{});
 
     file.SplitFieldTypes(pieces, "%s%d%s");
     CString joined;
