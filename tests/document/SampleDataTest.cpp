@@ -87,22 +87,20 @@ TEST(SampleDataTest, ReadsEveryHeaderFieldWithItsConversion) {
     EXPECT_TRUE(sample.GetMUXEnabled());
     EXPECT_EQ(TextOf(sample, &CSampleData::GetProcessingInfo), "first\nsecond");
     EXPECT_EQ(TextOf(sample, &CSampleData::GetProcessingWarning), "a\nb");
-}
 
-TEST(SampleDataTest, FieldValueEdgeCases) {
-    CSampleData sample;
-    ReadBlock(sample, "{\nSample\tabc\nWell\nSampleType\tqc\nConcentration\tnone\n}\n");
-    EXPECT_EQ(sample.GetNumber(), 0);
+    // Values that do not convert read 0, an empty well is the first, and only the exact spelling
+    // of a type makes it.
+    CSampleData odd;
+    ReadBlock(odd, "{\nSample\tabc\nWell\nSampleType\tqc\nConcentration\tnone\n}\n");
+    EXPECT_EQ(odd.GetNumber(), 0);
     CString well;
-    sample.GetWell(well);
-    EXPECT_EQ(well, "1"); // an empty well is the first well
-    EXPECT_EQ(TextOf(sample, &CSampleData::GetType), "qc");
-    EXPECT_FALSE(sample.IsControl());
-    EXPECT_EQ(sample.GetConcentration(), 0.0);
-
-    CSampleData other;
-    ReadBlock(other, "{\nSampleType\tAnalyte\n}\n");
-    EXPECT_TRUE(other.IsAnalyte());
+    odd.GetWell(well);
+    EXPECT_EQ(well, "1");
+    EXPECT_EQ(TextOf(odd, &CSampleData::GetType), "qc");
+    EXPECT_FALSE(odd.IsControl());
+    EXPECT_EQ(odd.GetConcentration(), 0.0);
+    ReadBlock(odd, "{\nSampleType\tAnalyte\n}\n");
+    EXPECT_TRUE(odd.IsAnalyte());
 }
 
 TEST(SampleDataTest, ReadsItsSectionsAndSkipsOthersWithTheirBlocks) {
