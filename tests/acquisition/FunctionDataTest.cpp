@@ -2,6 +2,7 @@
 
 #include <quillon/platform/ChartSettings.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 using namespace quillon;
 using quillon::testing::ReadBlock;
+using quillon::testing::TextOf;
 
 namespace {
 
@@ -84,9 +86,7 @@ TEST(FunctionDataTest, ReadsFieldsAndStampsItsChromatogramsAndSpectra) {
     SetChartSettings(nullptr);
 
     EXPECT_EQ(function.GetNumber(), 2);
-    CString text;
-    function.GetIonMode(text);
-    EXPECT_EQ(text, "ES+");
+    EXPECT_EQ(TextOf(function, &CFunctionData::GetIonMode), "ES+");
     EXPECT_EQ(function.GetConeVoltage(), 30);
     EXPECT_DOUBLE_EQ(function.GetCollisionEnergy(), 6.5);
     double duration = 0.0;
@@ -97,6 +97,12 @@ TEST(FunctionDataTest, ReadsFieldsAndStampsItsChromatogramsAndSpectra) {
     EXPECT_TRUE(function.GetFunctionRange(start, end));
     EXPECT_EQ(start, 100);
     EXPECT_EQ(end, 900);
+    // Without "(" or ":" the range is the number at the description's start, both ends.
+    CFunctionData unranged;
+    unranged.SetDescription("12 to 900");
+    EXPECT_TRUE(unranged.GetFunctionRange(start, end));
+    EXPECT_EQ(start, 12);
+    EXPECT_EQ(end, 12);
     EXPECT_EQ(function.GetFunctionText(1), "2:MSES+");
     EXPECT_EQ(function.GetFunctionText(0), "MSES+");
 
@@ -108,11 +114,9 @@ TEST(FunctionDataTest, ReadsFieldsAndStampsItsChromatogramsAndSpectra) {
 
     ASSERT_EQ(function.GetNumSpectra(false), 1);
     const CSpectrumData* spectrum = function.GetSpectrum();
-    spectrum->GetDesc(text);
-    EXPECT_TRUE(text.IsEmpty()); // stored spectra carry no description
+    EXPECT_EQ(TextOf(*spectrum, &CSpectrumData::GetDesc), ""); // stored spectra carry none
     EXPECT_EQ(spectrum->GetPeakID(), 4);
-    spectrum->GetCustomChartParams(text);
-    EXPECT_EQ(text, "default:Scan (100:900)");
+    EXPECT_EQ(TextOf(*spectrum, &CSpectrumData::GetCustomChartParams), "default:Scan (100:900)");
 }
 
 TEST(FunctionDataTest, DiodeArrayTracesReadPercentagesOfTheirMaximum) {
@@ -158,47 +162,20 @@ TEST(FunctionDataTest, AppendedChromatogramsExtendTheirTraceOrStartANewOne) {
     EXPECT_EQ(started->GetNumPeaks(), 1);
     // Sections and fields after the appends are read as usual.
     EXPECT_EQ(PointCount(function, 6), 1);
-    CString ionMode;
-    function.GetIonMode(ionMode);
-    EXPECT_EQ(ionMode, "ES-");
-}
+    EXPECT_EQ(TextOf(function, &CFunctionData::GetIonMode), "ES-");
 
-TEST(FunctionDataTest, AnEmptyAppendSectionReadsNothingOfWhatFollows) {
-    CFunctionData function;
-    ReadBlock(function, "{\nFunction\t1\n"
-                        "[CHROMATOGRAM]\n{\nTraceNumber\t0\n[TRACE]\n{\n1\t1\n}\n}\n"
-                        "[CHROMATOGRAM_APPEND]\n{\n}\n"
-                        "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
-                        "Description\tafter\n"
-                        "}\n");
-
-    ASSERT_EQ(function.GetNumChromatogram(), 2);
-    EXPECT_EQ(PointCount(function, 0), 1);
-    EXPECT_EQ(PointCount(function, 6), 1);
-    EXPECT_EQ(function.GetChromatogram(0)->GetDescription(), "");
-    CString description;
-    function.GetDescription(description);
-    EXPECT_EQ(description, "after");
-}
-
-TEST(FunctionDataTest, ListedSpectraAndTracesKeepTheirOwnMarksAsTheListsChange) {
-    CFunctionData function;
-    function.AddSpectrum();
-    function.GetSpectrum(0, false)->SetDesc("marked");
-    function.GetSpectrum(0, false)->SetHasPrinted(1);
-    function.AddChromatogram();
-    function.GetChromatogram(0)->SetHasPrinted(1);
-    // Growing the lists moves their elements; the marks stay with them.
-    for (int i = 0; i < 40; ++i) {
-        function.AddSpectrum(SpectrumWithPeakID(i), false);
-        function.AddChromatogram(CChromatoData());
-    }
-    CString desc;
-    function.GetSpectrum(0, false)->GetDesc(desc);
-    EXPECT_EQ(desc, "marked");
-    EXPECT_EQ(function.GetSpectrum(0, false)->GetHasPrinted(), 1);
-    EXPECT_EQ(function.GetChromatogram(0)->GetHasPrinted(), 1);
-    EXPECT_EQ(function.GetSpectrum(40, false)->GetPeakID(), 39);
+    // An empty append section reads nothing of what follows it.
+    CFunctionData emptyAppend;
+    ReadBlock(emptyAppend, "{\nFunction\t1\n"
+                           "[CHROMATOGRAM]\n{\nTraceNumber\t0\n[TRACE]\n{\n1\t1\n}\n}\n"
+                           "[CHROMATOGRAM_APPEND]\n{\n}\n"
+                           "[CHROMATOGRAM]\n{\nTraceNumber\t6\n[TRACE]\n{\n6\t6\n}\n}\n"
+                           "Description\tafter\n}\n");
+    ASSERT_EQ(emptyAppend.GetNumChromatogram(), 2);
+    EXPECT_EQ(PointCount(emptyAppend, 0), 1);
+    EXPECT_EQ(PointCount(emptyAppend, 6), 1);
+    EXPECT_EQ(emptyAppend.GetChromatogram(0)->GetDescription(), "");
+    EXPECT_EQ(TextOf(emptyAppend, &CFunctionData::GetDescription), "after");
 }
 
 TEST(FunctionDataTest, SpectrumListsAndThePeakIdentifierSearch) {
@@ -245,18 +222,4 @@ TEST(FunctionDataTest, IsPositiveCombinesItsSpectra) {
     EXPECT_TRUE(function.IsPositive(0, passed, nullptr));
     EXPECT_EQ(passed, 1);
     EXPECT_FALSE(function.IsPositive(1));
-}
-
-TEST(FunctionDataTest, ScanRangesFallBackToTheStartOfTheDescription) {
-    CFunctionData function;
-    int start = -1;
-    int end = -1;
-    function.SetDescription("no range"); // atoi of the whole text
-    function.GetFunctionRange(start, end);
-    EXPECT_EQ(start, 0);
-    EXPECT_EQ(end, 0);
-    function.SetDescription("12 to 900"); // no "(" or ":": the text from its start
-    function.GetFunctionRange(start, end);
-    EXPECT_EQ(start, 12);
-    EXPECT_EQ(end, 12);
 }

@@ -20,17 +20,10 @@ std::vector<float> Values(const CFloatArray& array) {
 
 TEST(ParametersDataTest, ReadsEveryFieldWithItsConversion) {
     CParametersData parameters;
-    ReadBlock(parameters, "{\n"
-                          "PeakFindMode\tApex Track\tignored\n"
-                          "PeakFindWindow\tabc\n"
-                          "SpectrumThresholdMode\tRelative\n"
-                          "SpectrumThreshold\t2.5\n"
-                          "PositiveAdducts\t1.0073\t22.9892\t38.9632\n"
-                          "NegativeAdducts\t-1.0073\n"
-                          "PeakFindThreshold\t1e3\n"
-                          "SigPeaks\t7.9\n"
-                          "Unknown\t5\n"
-                          "}\n");
+    ReadBlock(parameters, "{\nPeakFindMode\tApex Track\tignored\nPeakFindWindow\tabc\n"
+                          "SpectrumThresholdMode\tRelative\nSpectrumThreshold\t2.5\n"
+                          "PositiveAdducts\t1.0073\t22.9892\t38.9632\nNegativeAdducts\t-1.0073\n"
+                          "PeakFindThreshold\t1e3\nSigPeaks\t7.9\nUnknown\t5\n}\n");
     EXPECT_EQ(parameters.PeakFindMode(), "Apex Track");
     EXPECT_EQ(parameters.PeakFindWindow(), 0.0f);
     EXPECT_EQ(parameters.SpectrumThresholdMode(), "Relative");

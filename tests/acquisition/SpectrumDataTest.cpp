@@ -17,6 +17,7 @@ using namespace quillon;
 using quillon::testing::Points;
 using quillon::testing::PointsOf;
 using quillon::testing::ReadBlock;
+using quillon::testing::TextOf;
 
 namespace {
 
@@ -65,12 +66,10 @@ TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
     EXPECT_FLOAT_EQ(spectrum.GetBPI(), 2000.0f);
     EXPECT_FLOAT_EQ(spectrum.GetBPM(), 455.25f);
     EXPECT_FLOAT_EQ(spectrum.GetTIC(), 9000.0f);
-    CString text, state, desc, procDesc;
-    spectrum.GetTrace(text);
-    spectrum.GetState(state);
-    spectrum.GetDesc(desc);
-    spectrum.GetProcDesc(procDesc);
-    EXPECT_EQ(text + "|" + state + "|" + desc + "|" + procDesc, "TIC|ok|Apex spectrum|combined");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetTrace), "TIC");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetState), "ok");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetDesc), "Apex spectrum");
+    EXPECT_EQ(TextOf(spectrum, &CSpectrumData::GetProcDesc), "combined");
     EXPECT_EQ(spectrum.GetTraceNumber(), 7);
     EXPECT_EQ(spectrum.GetContinuum(), 1);
     EXPECT_EQ(spectrum.GetPeakID(), 12);
@@ -98,6 +97,7 @@ TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
 
     ASSERT_EQ(spectrum.GetNumResults(), 3);
     CResultsData result;
+    CString text;
     ASSERT_TRUE(spectrum.GetResults(0, result));
     EXPECT_DOUBLE_EQ(result.GetMono(), 455.2);
     EXPECT_EQ(result.GetFound(), 1);
@@ -112,49 +112,33 @@ TEST(SpectrumDataTest, ReadsFieldsPointsMassesAndResults) {
     EXPECT_FALSE(spectrum.GetResults(3, result));
 }
 
-TEST(SpectrumDataTest, ShortExtentLinesAndMixedCaseContinuumChangeNothing) {
+// Short extent lines and a mixed-case "Continuum" change nothing; with custom chart parameters
+// the base peak intensity in force when each point line is read makes it a percentage.
+TEST(SpectrumDataTest, ShortLinesAndPercentScaling) {
     CSpectrumData spectrum;
     ReadBlock(spectrum, "{\nPeak\t5.2\nIntensity\t10\nContinuum\tTrue\n}\n");
     EXPECT_DOUBLE_EQ(spectrum.GetChromatPeakData()->GetStartTime(), 0.0);
     EXPECT_DOUBLE_EQ(spectrum.GetChromatPeakData()->GetStartIntensity(), 0.0);
     EXPECT_EQ(spectrum.GetContinuum(), 0);
+    CSpectrumData scaled;
+    scaled.SetUsesCustomChartParams(1);
+    ReadBlock(scaled, "{\n[MS]\n{\n100\t50\n}\nBPI\t2000\n[MS]\n{\n200\t50\n}\n}\n");
+    EXPECT_EQ(PointsOf(scaled), (Points{{100.0, 0.0}, {200.0, 1000.0}}));
 }
 
-TEST(SpectrumDataTest, CustomChartParametersMakeIntensitiesPercentagesOfTheBasePeak) {
-    CSpectrumData spectrum;
-    spectrum.SetUsesCustomChartParams(1);
-    // The base peak intensity in force when each point line is read scales it.
-    ReadBlock(spectrum, "{\n[MS]\n{\n100\t50\n}\nBPI\t2000\n[MS]\n{\n200\t50\n}\n}\n");
-    EXPECT_EQ(PointsOf(spectrum), (Points{{100.0, 0.0}, {200.0, 1000.0}}));
-}
-
-// A copy leaves the description behind and owns its extent; a move carries description and mark.
+// A copy leaves the description behind (the fields it copies are checked over whole models); a
+// move carries the description and the printed mark.
 TEST(SpectrumDataTest, CopiesLeaveTheDescriptionBehindAndMovesCarryIt) {
     CSpectrumData source = SpectrumOf({100.0f}, {5.0f});
     source.SetDesc("apex");
-    source.GetChromatPeakData()->SetStartTime(1.5);
-    source.AddMasses(CMassesData(1.0, 2.0, 3.0, 4.0, true));
-    source.AddResults(Result(1, 1, "ok"));
-
-    CSpectrumData copy(source);
-    CString desc;
-    copy.GetDesc(desc);
-    EXPECT_TRUE(desc.IsEmpty());
-    ASSERT_EQ(copy.MassesGet()->GetSize(), 1);
-    EXPECT_EQ(copy.GetNumResults(), 1);
-    copy.GetChromatPeakData()->SetStartTime(7.0);
-    EXPECT_DOUBLE_EQ(source.GetChromatPeakData()->GetStartTime(), 1.5);
-
+    source.SetHasPrinted(1);
     CSpectrumData target;
     target.SetDesc("target's");
     target = source;
-    target.GetDesc(desc);
-    EXPECT_EQ(desc, "target's");
-
-    source.SetHasPrinted(1);
+    EXPECT_EQ(TextOf(target, &CSpectrumData::GetDesc), "target's");
+    EXPECT_EQ(TextOf(CSpectrumData(source), &CSpectrumData::GetDesc), "");
     target = std::move(source);
-    target.GetDesc(desc);
-    EXPECT_EQ(desc, "apex");
+    EXPECT_EQ(TextOf(target, &CSpectrumData::GetDesc), "apex");
     EXPECT_EQ(target.GetHasPrinted(), 1);
     EXPECT_EQ(target.GetNumPeaks(), 1);
 }

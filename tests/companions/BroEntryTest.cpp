@@ -1,6 +1,7 @@
 #include <quillon/companions/BroEntry.h>
 #include <quillon/document/Samples.h>
 
+#include "support/Collect.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@ namespace quillon {
 namespace {
 
 using quillon::testing::TempFile;
+using quillon::testing::TextOf;
 
 const char kEntry[] = "Sample\t99\n" // before any section: dropped
                       "[SAMPLE]\n"
@@ -43,15 +45,13 @@ TEST(BroEntryTest, EntryFilesFillTheTargetCollection) {
     EXPECT_EQ(entry.Read(file.c_str()), 1);
     ASSERT_EQ(samples.GetSamplesCount(), 2);
     const CSampleData& first = *samples.GetSample(0);
-    CString text;
     EXPECT_EQ(first.GetNumber(), 3);
+    CString text;
     first.GetWell(text);
     EXPECT_EQ(text, "A7");
-    first.GetProcessingInfo(text);
-    EXPECT_EQ(text, "first\nsecond");
+    EXPECT_EQ(TextOf(first, &CSampleData::GetProcessingInfo), "first\nsecond");
     EXPECT_EQ(first.GetFunctionCount(), 0);
-    samples.GetSample(1)->GetID(text);
-    EXPECT_EQ(text, "second sample");
+    EXPECT_EQ(TextOf(*samples.GetSample(1), &CSampleData::GetID), "second sample");
 
     int id = 0;
     EXPECT_EQ(entry.ParseParagraph("sample", id), 0); // names are case-sensitive
@@ -93,9 +93,7 @@ TEST(BroEntryTest, MassesAndPointsGoToTheLastSpectrum) {
     ASSERT_TRUE(spectrum.GetPeak(0, point));
     EXPECT_DOUBLE_EQ(point.GetMass(), 100.5);
     EXPECT_DOUBLE_EQ(point.GetIntensity(), 2000.0);
-    CString ionMode;
-    function->GetIonMode(ionMode);
-    EXPECT_EQ(ionMode, "ES+");
+    EXPECT_EQ(TextOf(*function, &CFunctionData::GetIonMode), "ES+");
 }
 
 TEST(BroEntryTest, GarbageReadsAsFarAsItGoes) {

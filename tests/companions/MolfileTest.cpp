@@ -34,31 +34,16 @@ private:
     HostHooks m_saved;
 };
 
-const std::string kMolfileList = "{\n"
-                                 "Sample\t7\n"
-                                 "[MOLFILE LIST]\n"
-                                 "{\n"
-                                 "[MOLFILE]\n"
-                                 "{\n"
-                                 "nameless\n"
-                                 "}\n"
+// A list of four molfiles: one before any reference, two under the same one, and one whose
+// reference climbs out of the folder.
+const std::string kMolfileList = "{\nSample\t7\n[MOLFILE LIST]\n{\n"
+                                 "[MOLFILE]\n{\nnameless\n}\n"
                                  "Reference\tR\n"
-                                 "[MOLFILE]\n"
-                                 "{\n"
-                                 "first\n"
-                                 "}\n"
-                                 "[MOLFILE]\n"
-                                 "{\n"
-                                 "second\n"
-                                 "}\n"
+                                 "[MOLFILE]\n{\nfirst\n}\n"
+                                 "[MOLFILE]\n{\nsecond\n}\n"
                                  "Reference\t../up/..\\x\n"
-                                 "[MOLFILE]\n"
-                                 "{\n"
-                                 "escaped\n"
-                                 "}\n"
-                                 "}\n"
-                                 "Well\t5\n"
-                                 "}\n";
+                                 "[MOLFILE]\n{\nescaped\n}\n"
+                                 "}\nWell\t5\n}\n";
 
 TEST(MolfileTest, MolfilesAreExtractedIntoTheDirectoryAndListed) {
     const MolfileDirectory directory;

@@ -1,6 +1,7 @@
 #include <quillon/document/Samples.h>
 #include <quillon/file/DelimitFile.h>
 
+#include "support/Collect.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 using namespace quillon;
 using quillon::testing::TempFile;
+using quillon::testing::TextOf;
 
 namespace {
 
@@ -21,12 +23,6 @@ CSamples ReadSample(const std::string& sections) {
     CSamples samples;
     EXPECT_EQ(samples.Read(file.c_str()), 1);
     return samples;
-}
-
-CString Text(const CMetaboliteData& metabolite, void (CMetaboliteData::*get)(CString&) const) {
-    CString text;
-    (metabolite.*get)(text);
-    return text;
 }
 
 std::vector<std::string> Names(CSampleData& sample) {
@@ -65,9 +61,9 @@ TEST(SampleDataMetabolites, ExpectedRowsAndGroupCounts) {
     EXPECT_DOUBLE_EQ(second.GetMolecularMass(), 318.0960);
     EXPECT_DOUBLE_EQ(second.GetParentMass(), 318.0957); // from compound 0
     EXPECT_EQ(second.GetMoleculeReference(), "ref");
-    EXPECT_EQ(Text(second, &CMetaboliteData::GetChroTraceList), "2,6");
+    EXPECT_EQ(TextOf(second, &CMetaboliteData::GetChroTraceList), "2,6");
     EXPECT_TRUE(second.GetConfirmed());
-    EXPECT_EQ(Text(*sample.GetMetabolite(2), &CMetaboliteData::GetFormula), "");
+    EXPECT_EQ(TextOf(*sample.GetMetabolite(2), &CMetaboliteData::GetFormula), "");
     EXPECT_EQ(sample.GetMetabolite(3)->GetPrecursor(), 290.06);
     EXPECT_FALSE(sample.GetMetabolite(3)->GetMSMS()); // a missing column reads 0
     EXPECT_TRUE(sample.GetMetabolite(4)->IsUnexpected());
@@ -132,10 +128,10 @@ TEST(SampleDataMetabolites, MSMSCorrelationRowsAndTable) {
     EXPECT_EQ(sample.GetMSMSCorrelation()->ParentEntry(), 1);
     EXPECT_DOUBLE_EQ(sample.GetMSMSCorrelation()->MassWindow(), 0.02);
     const CMetaboliteData& m3 = *sample.GetMetabolite(4);
-    EXPECT_EQ(Text(m3, &CMetaboliteData::GetNeutralLoss), "18.0106");
+    EXPECT_EQ(TextOf(m3, &CMetaboliteData::GetNeutralLoss), "18.0106");
     EXPECT_TRUE(sample.GetMetabolite(2)->IsMSMSParent());
-    EXPECT_EQ(Text(*sample.GetMetabolite(1), &CMetaboliteData::GetNeutralLoss), "");
-    EXPECT_EQ(Text(*sample.GetMetabolite(2), &CMetaboliteData::GetNeutralLoss), "");
+    EXPECT_EQ(TextOf(*sample.GetMetabolite(1), &CMetaboliteData::GetNeutralLoss), "");
+    EXPECT_EQ(TextOf(*sample.GetMetabolite(2), &CMetaboliteData::GetNeutralLoss), "");
     EXPECT_TRUE(sample.GetMetabolite(3)->IsUnexpected()); // entry 2 was never read
 
     CString text;

@@ -1,5 +1,6 @@
 #include <quillon/document/SampleData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -10,15 +11,9 @@
 
 using namespace quillon;
 using quillon::testing::ReadBlock;
+using quillon::testing::TextOf;
 
 namespace {
-
-template <class Getter>
-CString Text(const CSampleData& sample, Getter getter) {
-    CString text;
-    (sample.*getter)(text);
-    return text;
-}
 
 std::vector<double> Values(const CDoubleArray& array) {
     return std::vector<double>(array.begin(), array.end());
@@ -63,7 +58,7 @@ TEST(SampleDataTest, ReadsEveryHeaderFieldWithItsConversion) {
     EXPECT_EQ(ReadBlock(sample, block + "}\n"), "AFTER");
     CString byName;
     for (const auto& each : texts) {
-        EXPECT_EQ(Text(sample, each.get), each.value) << each.field;
+        EXPECT_EQ(TextOf(sample, each.get), each.value) << each.field;
         EXPECT_TRUE(sample.GetHeaderField(each.field, byName) && byName == each.value)
             << each.field;
     }
@@ -84,78 +79,46 @@ TEST(SampleDataTest, ReadsEveryHeaderFieldWithItsConversion) {
     CString plate;
     EXPECT_EQ(sample.GetPlateDescription(plate), 1);
     EXPECT_EQ(plate, "ANSI-96");
-    EXPECT_EQ(Text(sample, &CSampleData::GetType), "Control");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetType), "Control");
     EXPECT_TRUE(sample.IsControl());
     EXPECT_FLOAT_EQ(sample.GetSubjectTime(), 30.5f);
     EXPECT_DOUBLE_EQ(sample.GetConcentration(), 0.25);
     EXPECT_FALSE(sample.GetLockSprayEnabled());
     EXPECT_TRUE(sample.GetMUXEnabled());
-    EXPECT_EQ(Text(sample, &CSampleData::GetProcessingInfo), "first\nsecond");
-    EXPECT_EQ(Text(sample, &CSampleData::GetProcessingWarning), "a\nb");
-}
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetProcessingInfo), "first\nsecond");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetProcessingWarning), "a\nb");
 
-TEST(SampleDataTest, FieldValueEdgeCases) {
-    CSampleData sample;
-    ReadBlock(sample, "{\nSample\tabc\nWell\nSampleType\tqc\nConcentration\tnone\n}\n");
-    EXPECT_EQ(sample.GetNumber(), 0);
+    // Values that do not convert read 0, an empty well is the first, and only the exact spelling
+    // of a type makes it.
+    CSampleData odd;
+    ReadBlock(odd, "{\nSample\tabc\nWell\nSampleType\tqc\nConcentration\tnone\n}\n");
+    EXPECT_EQ(odd.GetNumber(), 0);
     CString well;
-    sample.GetWell(well);
-    EXPECT_EQ(well, "1"); // an empty well is the first well
-    EXPECT_EQ(Text(sample, &CSampleData::GetType), "qc");
-    EXPECT_FALSE(sample.IsControl());
-    EXPECT_EQ(sample.GetConcentration(), 0.0);
-
-    CSampleData other;
-    ReadBlock(other, "{\nSampleType\tAnalyte\n}\n");
-    EXPECT_TRUE(other.IsAnalyte());
+    odd.GetWell(well);
+    EXPECT_EQ(well, "1");
+    EXPECT_EQ(TextOf(odd, &CSampleData::GetType), "qc");
+    EXPECT_FALSE(odd.IsControl());
+    EXPECT_EQ(odd.GetConcentration(), 0.0);
+    ReadBlock(odd, "{\nSampleType\tAnalyte\n}\n");
+    EXPECT_TRUE(odd.IsAnalyte());
 }
 
 TEST(SampleDataTest, ReadsItsSectionsAndSkipsOthersWithTheirBlocks) {
     CSampleData sample;
-    const CString next = ReadBlock(sample, "{\n"
-                                           "Sample\t4\n"
-                                           "[COMPOUND]\n"
-                                           "{\n"
-                                           ";Mass\tFormula\tName\n"
-                                           "151.0633\tC8H9NO2\tParacetamol\n"
-                                           "194.08\n"
-                                           "}\n"
-                                           "[METABOLITE COMPOUNDS]\n"
-                                           "{\n"
-                                           "999\tX\tnot a compound\n"
-                                           "}\n"
-                                           "[NEUTRAL LOSS COMPOUNDS]\n"
-                                           "{\n"
-                                           "18.01\tH2O\tWater\n"
-                                           "}\n"
-                                           "[SOMETHING NEW]\n"
-                                           "{\n"
-                                           "Sample\t77\n"
-                                           "[NESTED]\n"
-                                           "{\n"
-                                           "Sample\t78\n"
-                                           "}\n"
-                                           "}\n"
-                                           "[PARAMETERS]\n"
-                                           "{\n"
-                                           "PeakFindMode\tAuto\n"
-                                           "}\n"
-                                           "[MASS DEFECT FILTER]\n"
-                                           "{\n"
-                                           "151.0633\n"
-                                           "Lower limit\t-0.05\n"
-                                           "Upper limit\t0.04\textra\n"
-                                           "not a number\n"
-                                           "}\n"
-                                           "[MASS DEFECT FILTER]\n"
-                                           "{\n"
-                                           "300.5\n"
-                                           "}\n"
-                                           "SampleID\tafter sections\n"
-                                           "}\n");
+    const CString next = ReadBlock(
+        sample, "{\nSample\t4\n"
+                "[COMPOUND]\n{\n;Mass\tFormula\tName\n151.0633\tC8H9NO2\tParacetamol\n194.08\n}\n"
+                "[METABOLITE COMPOUNDS]\n{\n999\tX\tnot a compound\n}\n"
+                "[NEUTRAL LOSS COMPOUNDS]\n{\n18.01\tH2O\tWater\n}\n"
+                "[SOMETHING NEW]\n{\nSample\t77\n[NESTED]\n{\nSample\t78\n}\n}\n"
+                "[PARAMETERS]\n{\nPeakFindMode\tAuto\n}\n"
+                "[MASS DEFECT FILTER]\n{\n151.0633\nLower limit\t-0.05\n"
+                "Upper limit\t0.04\textra\nnot a number\n}\n"
+                "[MASS DEFECT FILTER]\n{\n300.5\n}\n"
+                "SampleID\tafter sections\n}\n");
     EXPECT_EQ(next, "AFTER");
     EXPECT_EQ(sample.GetNumber(), 4);
-    EXPECT_EQ(Text(sample, &CSampleData::GetID), "after sections");
+    EXPECT_EQ(TextOf(sample, &CSampleData::GetID), "after sections");
 
     ASSERT_EQ(sample.GetCompoundCount(), 2);
     CString formula, name;

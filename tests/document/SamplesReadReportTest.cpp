@@ -3,6 +3,7 @@
 #include <quillon/document/Samples.h>
 #include <quillon/platform/HostHooks.h>
 
+#include "support/HostRecorder.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
@@ -35,11 +36,10 @@ int64_t LineAt(const std::string& bytes, size_t offset) {
 Found ReadFound(const std::string& bytes, CSamples& samples) {
     TempFile file("report.txt");
     file.Write(bytes);
-    HostHooks hooks;
-    hooks.showMessage = [](const CString&, const CString&, MessageIcon) { return kMessageOk; };
-    SetHostHooks(hooks);
-    EXPECT_EQ(samples.Read(file.c_str()), 1);
-    SetHostHooks({});
+    {
+        const quillon::testing::HostRecorder silent;
+        EXPECT_EQ(samples.Read(file.c_str()), 1);
+    }
     Found found;
     for (const CReadReport::Entry& entry : samples.GetReadReport().entries) {
         EXPECT_EQ(entry.line, LineAt(bytes, static_cast<size_t>(entry.offset))) << entry.name;

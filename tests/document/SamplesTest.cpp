@@ -5,6 +5,7 @@
 #include <quillon/platform/HostHooks.h>
 
 #include "support/Collect.h"
+#include "support/HostRecorder.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
@@ -13,45 +14,16 @@
 #include <vector>
 
 using namespace quillon;
+using quillon::testing::HostRecorder;
 using quillon::testing::SampleNumbers;
 using quillon::testing::TempFile;
+using quillon::testing::TextOf;
 
 namespace {
 
 std::string SampleSection(int number, const std::string& extra = "") {
     return "[SAMPLE]\n{\nSample\t" + std::to_string(number) + "\n" + extra + "}\n";
 }
-
-CString Text(const CSampleData& sample, void (CSampleData::*getter)(CString&) const) {
-    CString text;
-    (sample.*getter)(text);
-    return text;
-}
-
-struct Message {
-    std::string text;
-    std::string title;
-    MessageIcon icon;
-};
-
-// Collects the messages shown while it lives, instead of showing them.
-class MessageCatcher {
-public:
-    MessageCatcher() : m_saved(GetHostHooks()) {
-        HostHooks hooks = m_saved;
-        hooks.showMessage = [this](const CString& text, const CString& title, MessageIcon icon) {
-            messages.push_back({text.c_str(), title.c_str(), icon});
-            return kMessageOk;
-        };
-        SetHostHooks(hooks);
-    }
-    ~MessageCatcher() { SetHostHooks(m_saved); }
-
-    std::vector<Message> messages;
-
-private:
-    HostHooks m_saved;
-};
 
 // A report file that fails on the line "FAIL FILE" with a file exception, on "FAIL PLAIN" with a
 // library exception that carries no text, and on "FAIL OTHER" with an exception that is not one
@@ -86,7 +58,7 @@ TEST(SamplesTest, ReadKeepsNumberOrderFileEntriesAndSectionPositions) {
     EXPECT_EQ(samples.GetSample(0)->GetFileEntry(), 1);
     EXPECT_EQ(samples.GetSample(1)->GetFileEntry(), 0);
     EXPECT_EQ(samples.GetSample(2)->GetFileEntry(), 2);
-    EXPECT_EQ(Text(*samples.GetSample(2), &CSampleData::GetID), "second five");
+    EXPECT_EQ(TextOf(*samples.GetSample(2), &CSampleData::GetID), "second five");
 
     const unsigned long firstStart = std::string(";report\n").size();
     EXPECT_EQ(samples.GetSample(1)->GetFilePosStart(), firstStart);
@@ -103,7 +75,7 @@ TEST(SamplesTest, AppendedSectionsGoToTheHighestNumberedSample) {
     ASSERT_EQ(samples.Read(file.c_str()), 1);
     ASSERT_EQ(SampleNumbers(samples), (std::vector<int>{2, 8}));
     const CSampleData& appended = *samples.GetSample(1);
-    EXPECT_EQ(Text(appended, &CSampleData::GetProcessingWarning), "early\nlate");
+    EXPECT_EQ(TextOf(appended, &CSampleData::GetProcessingWarning), "early\nlate");
     EXPECT_EQ(appended.GetCompoundCount(), 1);
     EXPECT_EQ(appended.GetFilePosEnd(), file.Read().size());
     EXPECT_EQ(samples.GetSample(0)->GetCompoundCount(), 0);
@@ -115,7 +87,7 @@ TEST(SamplesTest, ReadingErrorsAreShownAndReadingGoesOn) {
                SampleSection(3, "FAIL OTHER\n") + SampleSection(5, "FAIL PLAIN\n") +
                SampleSection(4));
     FailingFile input(file.c_str(), CFile::modeRead);
-    MessageCatcher catcher;
+    HostRecorder catcher;
     CSamples samples;
     ASSERT_EQ(samples.Read(&input), 1);
 
@@ -126,7 +98,7 @@ TEST(SamplesTest, ReadingErrorsAreShownAndReadingGoesOn) {
     EXPECT_EQ(catcher.messages[0].text, expected);
     EXPECT_EQ(catcher.messages[1].text, "Error reading sample");
     EXPECT_EQ(catcher.messages[2].text, ""); // a library exception's own (empty) text
-    for (const Message& message : catcher.messages) {
+    for (const HostRecorder::Message& message : catcher.messages) {
         EXPECT_EQ(message.title, "Hollbeck Browser");
         EXPECT_EQ(message.icon, MessageIcon::Exclamation);
     }

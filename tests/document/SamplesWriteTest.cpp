@@ -49,34 +49,12 @@ std::string CopyReport(CSamples& samples, const std::string& text, Prepare prepa
     return ReadAndWrite(samples, input.Path(), (input.Folder() / "out.txt").string(), prepare);
 }
 
-const std::string kReport = ";Report of batch 7\n"
-                            "\n"
-                            "[SAMPLE]\n"
-                            "{\n"
-                            "Sample\t5\n"
-                            "SampleType\tAnalyte\n"
-                            "\n"
-                            "[FUNCTION]\n"
-                            "{\n"
-                            "Function\t1\n"
-                            "[CHROMATOGRAM]\n"
-                            "{\n"
-                            "1.0\t200\n"
-                            "}\n"
-                            "}\n"
-                            "}\n"
-                            "[SAMPLE]\n"
-                            "{\n"
-                            "Sample\t3\n"
-                            "[COMPOUND]\n"
-                            "{\n"
-                            "151.06\tC8H9NO2\tParent\n"
-                            "}\n"
-                            "}\n"
-                            "[SAMPLE]\n"
-                            "{\n"
-                            "Sample\t7\n"
-                            "}\n";
+// Samples 5 (with a function), 3 (with a compound) and 7, in that order in the file.
+const std::string kReport = ";Report of batch 7\n\n"
+                            "[SAMPLE]\n{\nSample\t5\nSampleType\tAnalyte\n\n"
+                            "[FUNCTION]\n{\nFunction\t1\n[CHROMATOGRAM]\n{\n1.0\t200\n}\n}\n}\n"
+                            "[SAMPLE]\n{\nSample\t3\n[COMPOUND]\n{\n151.06\tC8H9NO2\tParent\n}\n}\n"
+                            "[SAMPLE]\n{\nSample\t7\n}\n";
 
 } // namespace
 
@@ -92,19 +70,10 @@ TEST(SamplesWriteTest, DuplicateSamplesAreDroppedFromFileAndMemory) {
     });
 
     const std::vector<std::string> lines = Lines(written);
-    const std::vector<std::string> expected = {";Report of batch 7",
-                                               "[SAMPLE]",
-                                               "{",
-                                               "Sample\t3",
-                                               "[COMPOUND]",
-                                               "{",
-                                               "151.06\tC8H9NO2\tParent",
-                                               "}",
-                                               "}",
-                                               "[SAMPLE]",
-                                               "{",
-                                               "Sample\t7",
-                                               "}"};
+    const std::vector<std::string> expected = Lines(";Report of batch 7\n"
+                                                    "[SAMPLE]\n{\nSample\t3\n"
+                                                    "[COMPOUND]\n{\n151.06\tC8H9NO2\tParent\n}\n}\n"
+                                                    "[SAMPLE]\n{\nSample\t7\n}\n");
     ASSERT_EQ(lines.size(), expected.size() + 2);
     EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + expected.size()), expected);
     // Each closing comment names the program and the time, in fields of their own.
@@ -159,41 +128,21 @@ TEST(SamplesWriteTest, TextWrittenBeforeTheCopyIsKept) {
 }
 
 TEST(SamplesWriteTest, MolfileListIsCopiedWithItsParentNameRewritten) {
-    const std::string report = "[SAMPLE]\n"
-                               "{\n"
-                               "Sample\t1\n"
-                               "[MOLFILE LIST]\n"
-                               "{\n"
+    const std::string report = "[SAMPLE]\n{\nSample\t1\n[MOLFILE LIST]\n{\n"
                                "Reference\tin.txt_Parent and in.txt_Parent\n"
-                               "[MOLFILE]\n"
-                               "{\n"
-                               "in.txt_Parent\n"
-                               "\n"
-                               "  2  1  0  0  0  0  0  0  0  0999 V2000\n"
-                               "}\n"
-                               "Reference\tin.txt_Parent\n"
-                               "}\n"
-                               "}\n";
+                               "[MOLFILE]\n{\nin.txt_Parent\n\n"
+                               "  2  1  0  0  0  0  0  0  0  0999 V2000\n}\n"
+                               "Reference\tin.txt_Parent\n}\n}\n";
     CSamples samples;
     const std::string written = CopyReport(samples, report, [](CSamples&) {});
 
     // The list is copied verbatim, empty lines included, up to the first lone "}"; the lines
     // after it are copied as any others.
-    const std::string expected = "[SAMPLE]\n"
-                                 "{\n"
-                                 "Sample\t1\n"
-                                 "[MOLFILE LIST]\n"
-                                 "{\n"
+    const std::string expected = "[SAMPLE]\n{\nSample\t1\n[MOLFILE LIST]\n{\n"
                                  "Reference\tout.txt_Parent and in.txt_Parent\n"
-                                 "[MOLFILE]\n"
-                                 "{\n"
-                                 "out.txt_Parent\n"
-                                 "\n"
-                                 "  2  1  0  0  0  0  0  0  0  0999 V2000\n"
-                                 "}\n"
-                                 "Reference\tin.txt_Parent\n"
-                                 "}\n"
-                                 "}\n";
+                                 "[MOLFILE]\n{\nout.txt_Parent\n\n"
+                                 "  2  1  0  0  0  0  0  0  0  0999 V2000\n}\n"
+                                 "Reference\tin.txt_Parent\n}\n}\n";
     EXPECT_EQ(written.substr(0, expected.size()), expected);
 
     // Written under the same name, nothing is rewritten.
@@ -217,24 +166,10 @@ TEST(SamplesWriteTest, SamplesTheCollectionDoesNotHoldAreNotWritten) {
     // At each further "[SAMPLE]" the input skips to the next header, which it consumes; the
     // lines after that are copied again.
     const std::vector<std::string> lines = Lines(written);
-    const std::vector<std::string> expected = {";Report of batch 7",
-                                               "[SAMPLE]",
-                                               "{",
-                                               "Sample\t5",
-                                               "SampleType\tAnalyte",
-                                               "[FUNCTION]",
-                                               "{",
-                                               "Function\t1",
-                                               "[CHROMATOGRAM]",
-                                               "{",
-                                               "1.0\t200",
-                                               "}",
-                                               "}",
-                                               "}",
-                                               "{",
-                                               "151.06\tC8H9NO2\tParent",
-                                               "}",
-                                               "}"};
+    const std::vector<std::string> expected =
+        Lines(";Report of batch 7\n[SAMPLE]\n{\nSample\t5\nSampleType\tAnalyte\n"
+              "[FUNCTION]\n{\nFunction\t1\n[CHROMATOGRAM]\n{\n1.0\t200\n}\n}\n}\n"
+              "{\n151.06\tC8H9NO2\tParent\n}\n}\n");
     ASSERT_EQ(lines.size(), expected.size() + 1);
     EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.end() - 1), expected);
 

@@ -216,20 +216,19 @@ TEST(DelimitFileTest, SkipOperationsStopAtTheirMarkOrAtEndOfFile) {
 TEST(DelimitFileTest, FormattedWriterPutsEveryConversionInItsOwnField) {
     CDelimitFile file;
     CStringArray pieces;
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "%s%.4f"), 2);
-    EXPECT_EQ(pieces[0], "%s");
-    EXPECT_EQ(pieces[1], "%.4f");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "Name%d %s"), 3);
-    EXPECT_EQ(pieces[0], "Name");
-    EXPECT_EQ(pieces[1], "%d "); // a blank after a conversion stays in its field
-    EXPECT_EQ(pieces[2], "%s");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "%d%%%d"), 2);
-    EXPECT_EQ(pieces[0], "%d%%");
-    EXPECT_EQ(pieces[1], "%d");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, "x"), 1);
-    EXPECT_EQ(pieces[0], "x");
-    EXPECT_EQ(file.SplitFieldTypes(pieces, ""), 0);
-    EXPECT_TRUE(pieces.IsEmpty());
+    const auto split = [&](const char* format) {
+        const int count = file.SplitFieldTypes(pieces, format);
+        Fields fields;
+        for (const CString& piece : pieces)
+            fields.emplace_back(piece.str());
+        EXPECT_EQ(count, static_cast<int>(fields.size())) << format;
+        return fields;
+    };
+    EXPECT_EQ(split("%s%.4f"), (Fields{"%s", "%.4f"}));
+    EXPECT_EQ(split("Name%d %s"), (Fields{"Name", "%d ", "%s"})); // a blank stays in its field
+    EXPECT_EQ(split("%d%%%d"), (Fields{"%d%%", "%d"}));
+    EXPECT_EQ(split("x"), Fields{"x"});
+    EXPECT_EQ(split(""), Fields{});
 
     file.SplitFieldTypes(pieces, "%s%d%s");
     CString joined;
@@ -251,24 +250,6 @@ TEST(DelimitFileTest, FormattedWriterPutsEveryConversionInItsOwnField) {
         writer.WriteRecord("%s%d", "A", 5);
     }
     EXPECT_EQ(out.Read(), "[SAMPLE]\n{\nA\t5\n;Mass\t1.00\n100%\n;note\n}\nA,;5\n");
-}
-
-TEST(DelimitFileTest, ArrayWritersWriteNothing) {
-    TempFile out;
-    CStringArray fields;
-    fields.Add("a");
-    fields.Add("b");
-    {
-        CDelimitFile writer(out.c_str(), CFile::modeCreate | CFile::modeWrite);
-        writer.WriteDelimitedString(fields);
-        writer.WriteDelimitedStringExt(fields, 1);
-        writer.WriteDelimitedStringExt(fields, 2);
-        writer.WriteDelimitedStringExt(CStringArray(), 1);
-    }
-    EXPECT_EQ(out.Read(), "");
-    CString text("kept");
-    CDelimitFile::FormDelimitedString(text, fields, ',');
-    EXPECT_EQ(text, "kept");
 }
 
 namespace {
@@ -296,33 +277,18 @@ TEST(DelimitFileTest, UpdateStatusRunsOncePerLineRead) {
 
 TEST(DelimitFileTest, NumberPairViewsAgreeWithFieldViews) {
     // Plain pairs are parsed in passing; every other line is split as ReadFieldViews splits it.
-    const std::vector<std::pair<std::string, bool>> lines = {{"12.5\t300", true},
-                                                             {"0\t0", true},
-                                                             {"1.5\t2\t3", true},
-                                                             {"1e5\t2", true},
-                                                             {"0x10\t5", true},
-                                                             {"1e400\t1", true},
-                                                             {"7\t8x", false},
-                                                             {"12\t", false},
-                                                             {"1.5\t\t2", false},
-                                                             {"-1.5\t2", false},
-                                                             {" 3\t4", false},
-                                                             {"5\t 6", false},
-                                                             {"9\t-1", false},
-                                                             {"1.5x\t2", false},
-                                                             {"7,5\t8", false},
-                                                             {"\t5\t6", false},
-                                                             {"nan\t1", false},
-                                                             {"[MS]", false},
-                                                             {"{", false},
-                                                             {"}", false},
-                                                             {";1\t2", false},
-                                                             {"", false},
-                                                             {"12345678901234567890\t5", true},
-                                                             {"1\t.5", false},
-                                                             {"3\t4 ", false},
-                                                             {"1.\t2.", true},
-                                                             {"00012.50\t0003", true}};
+    // A long integer is plain too; the kinds alternate so that each follows the other.
+    const char* const plainPairs[] = {"12.5\t300", "0\t0",     "1.5\t2\t3", "1e5\t2",
+                                      "0x10\t5",   "1e400\t1", "1.\t2.",    "00012.50\t0003"};
+    const char* const otherLines[] = {"7\t8x", "12\t",    "1.5\t\t2", "-1.5\t2", " 3\t4",  "5\t 6",
+                                      "9\t-1", "1.5x\t2", "7,5\t8",   "\t5\t6",  "nan\t1", "[MS]",
+                                      "{",     "}",       ";1\t2",    "",        "1\t.5",  "3\t4 "};
+    std::vector<std::pair<std::string, bool>> lines{{"12345678901234567890\t5", true}};
+    for (size_t i = 0; i < std::size(otherLines); ++i) {
+        if (i < std::size(plainPairs))
+            lines.emplace_back(plainPairs[i], true);
+        lines.emplace_back(otherLines[i], false);
+    }
     std::string text;
     for (const auto& [line, plain] : lines)
         text += line + "\n";

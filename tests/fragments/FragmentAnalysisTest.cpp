@@ -1,4 +1,5 @@
 #include "support/FragmentReport.h"
+#include "support/HostRecorder.h"
 
 #include <quillon/fragments/FragmentAnalysis.h>
 #include <quillon/metabolites/MetaboliteData.h>
@@ -12,6 +13,7 @@
 
 using namespace quillon;
 using quillon::testing::FragmentReport;
+using quillon::testing::HostRecorder;
 using quillon::testing::LoadedReport;
 using quillon::testing::MetaboliteRow;
 using quillon::testing::SpectrumPoint;
@@ -28,35 +30,6 @@ std::vector<std::string> Lines(const CStringArray& texts) {
 std::vector<UINT> Values(const CUIntArray& values) {
     return {values.begin(), values.end()};
 }
-
-// Hooks for one test: counts progress steps and cancels at a chosen poll.
-struct HookRecorder {
-    std::string text;
-    int lower = -1, upper = -1, stepped = 0, begun = 0, ended = 0, polls = 0;
-    int cancelAtPoll = 0; // 0: never
-    std::vector<std::string> messages;
-    HostHooks saved = GetHostHooks();
-
-    HookRecorder() {
-        HostHooks hooks = saved;
-        hooks.beginProgress = [this](const CString& t, int lo, int hi) {
-            text = t.c_str();
-            lower = lo;
-            upper = hi;
-            ++begun;
-        };
-        hooks.stepProgress = [this](int amount) { stepped += amount; };
-        hooks.endProgress = [this] { ++ended; };
-        hooks.cancelRequested = [this] { return ++polls == cancelAtPoll; };
-        hooks.showMessage = [this](const CString& t, const CString&, MessageIcon icon) {
-            messages.emplace_back(t.c_str());
-            EXPECT_EQ(icon, MessageIcon::Exclamation);
-            return kMessageOk;
-        };
-        SetHostHooks(hooks);
-    }
-    ~HookRecorder() { SetHostHooks(saved); }
-};
 
 // A found metabolite row with its peak identifier and mass shift.
 MetaboliteRow Row(const char* name, int function, int peak, int cluster, double mz,
@@ -309,17 +282,17 @@ TEST(FragmentAnalysisTest, ProgressCancellationAndExceptionsGoThroughTheHooks) {
     CSampleData& sample = loaded.Sample();
     CFragmentAnalysis* fa = sample.GetFragmentAnalysis();
     { // Nine metabolites: each stage steps by 100 / 9 at every one of them.
-        HookRecorder hooks;
+        HostRecorder hooks;
         ASSERT_TRUE(fa->DoFragmentAnalysis(&sample));
-        EXPECT_EQ(hooks.text, "Creating fragment analysis, press ESC to cancel... ");
-        EXPECT_EQ(hooks.lower, 0);
-        EXPECT_EQ(hooks.upper, 300);
+        EXPECT_EQ(hooks.progressText, "Creating fragment analysis, press ESC to cancel... ");
+        EXPECT_EQ(hooks.progressLower, 0);
+        EXPECT_EQ(hooks.progressUpper, 300);
         EXPECT_EQ(hooks.stepped, 3 * 9 * 11);
         EXPECT_EQ(hooks.begun, 1);
         EXPECT_EQ(hooks.ended, 1);
     }
     { // Cancelled at the second parent: the first stays, nothing else is built.
-        HookRecorder hooks;
+        HostRecorder hooks;
         hooks.cancelAtPoll = 2;
         EXPECT_FALSE(fa->DoFragmentAnalysis(&sample));
         EXPECT_EQ(fa->GetParents().GetSize(), 1);
@@ -329,13 +302,14 @@ TEST(FragmentAnalysisTest, ProgressCancellationAndExceptionsGoThroughTheHooks) {
         EXPECT_EQ(hooks.ended, 1);
     }
     { // An exception inside the run becomes a message; none leaves.
-        HookRecorder hooks;
+        HostRecorder hooks;
         HostHooks throwing = GetHostHooks();
         throwing.stepProgress = [](int) { throw std::runtime_error("boom"); };
         SetHostHooks(throwing);
         EXPECT_FALSE(fa->DoFragmentAnalysis(&sample));
-        EXPECT_EQ(hooks.messages,
-                  std::vector<std::string>{"Unknown exception generated during fragment analysis"});
+        ASSERT_EQ(hooks.messages.size(), 1u);
+        EXPECT_EQ(hooks.messages[0].text, "Unknown exception generated during fragment analysis");
+        EXPECT_EQ(hooks.messages[0].icon, MessageIcon::Exclamation);
         EXPECT_EQ(hooks.ended, 1);
         // Nor when the message hook throws in turn.
         throwing.showMessage = [](const CString&, const CString&, MessageIcon) -> int {

@@ -40,7 +40,7 @@ std::string Text(Getter getter) {
 
 } // namespace
 
-TEST(MetaboliteDisplayTest, AreaTimeAndRatioTextsAreEmptyForMissingValues) {
+TEST(MetaboliteDisplayTest, NumberTextsAreRoundedAndEmptyForMissingValues) {
     CSampleData sample;
     CMetaboliteData metabolite; // no area, no peak
     auto area = [&](CString& text) { GetAreaText(metabolite, text); };
@@ -64,6 +64,17 @@ TEST(MetaboliteDisplayTest, AreaTimeAndRatioTextsAreEmptyForMissingValues) {
     EXPECT_EQ(Text(ratio), "0.250");
     sample.SetInternalStandard(0, 0.0);
     EXPECT_EQ(Text(ratio), "");
+
+    // Lists of numbers get the decimal places on every number.
+    auto reformat = [](const char* list, int decimals) {
+        CString text = list;
+        SetStringDecimalPlaces(text, decimals);
+        return text.str();
+    };
+    EXPECT_EQ(reformat("101.05, 202.1", 3), "101.050,202.100");
+    EXPECT_EQ(reformat("86.09640,86.0964", 4), "86.0964,86.0964");
+    EXPECT_EQ(reformat("abc,,5", 1), "abc,,5.0");
+    EXPECT_EQ(reformat("2.5,-1.25", -1), "2,-1");
 }
 
 TEST(MetaboliteDisplayTest, TraceTextNamesTheTraceAsABrowserColumn) {
@@ -78,18 +89,6 @@ TEST(MetaboliteDisplayTest, TraceTextNamesTheTraceAsABrowserColumn) {
     EXPECT_EQ(trace(3), "TOF MS ES+ (50:1000)");
     EXPECT_EQ(trace(20), "ANALOG 1 : Radio flow");
     EXPECT_EQ(trace(0), ""); // no trace number and no peak to find one by
-}
-
-TEST(MetaboliteDisplayTest, DecimalPlacesAreSetOnEveryNumberOfAList) {
-    auto reformat = [](const char* list, int decimals) {
-        CString text = list;
-        SetStringDecimalPlaces(text, decimals);
-        return text.str();
-    };
-    EXPECT_EQ(reformat("101.05, 202.1", 3), "101.050,202.100");
-    EXPECT_EQ(reformat("86.09640,86.0964", 4), "86.0964,86.0964");
-    EXPECT_EQ(reformat("abc,,5", 1), "abc,,5.0");
-    EXPECT_EQ(reformat("2.5,-1.25", -1), "2,-1");
 }
 
 TEST(MetaboliteDisplayTest, MSMSListHasOneRowPerCorrelationMetabolite) {

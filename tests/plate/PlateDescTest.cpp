@@ -83,37 +83,6 @@ TEST(PlateLayoutTest, BadReferencesFailWithoutTouchingOutputs) {
     EXPECT_EQ(reference, "unchanged");
 }
 
-TEST(PlateLayoutTest, EveryVialRoundTripsOn96And384VialPlates) {
-    for (const char* size : {"12,8", "24,16"}) {
-        for (const char* order : {",0,0", ",0,4", ",0,5", ",1,0", ",1,4", ",1,5"}) {
-            const std::string descriptor = std::string(size) + order;
-            const CPlateDesc plate = Plate(descriptor.c_str());
-            const int vials = plate.GetSize(nullptr, nullptr);
-            std::vector<bool> absoluteSeen(static_cast<size_t>(vials) + 1, false);
-            for (int vial = 1; vial <= vials; ++vial) {
-                CString reference;
-                int parsed = 0;
-                int column = 0;
-                int row = 0;
-                int back = 0;
-                ASSERT_EQ(plate.FormatReference(vial, reference), 1) << descriptor << " " << vial;
-                ASSERT_EQ(plate.ParseReference(reference, parsed), 1) << reference.c_str();
-                EXPECT_EQ(parsed, vial) << descriptor << " " << reference.c_str();
-                ASSERT_EQ(plate.VialToCoord(vial, column, row), 1);
-                ASSERT_EQ(plate.CoordToVial(column, row, back), 1);
-                EXPECT_EQ(back, vial);
-                int absolute = 0;
-                ASSERT_EQ(plate.VialToAbsVial(vial, absolute, 0), 1);
-                ASSERT_TRUE(plate.IsVialValid(absolute));
-                EXPECT_FALSE(absoluteSeen[static_cast<size_t>(absolute)]) << descriptor;
-                absoluteSeen[static_cast<size_t>(absolute)] = true;
-                ASSERT_EQ(plate.AbsVialToVial(absolute, back), 1);
-                EXPECT_EQ(back, vial) << descriptor << " absolute " << absolute;
-            }
-        }
-    }
-}
-
 TEST(PlateLayoutTest, AbsoluteNumbersAndMoves) {
     // Serpentine orders, the flag of the second counting as if along rows.
     int vial = 0;

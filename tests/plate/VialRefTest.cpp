@@ -48,7 +48,7 @@ TEST(ReferenceTest, PlatePartsSplitAndPrint) {
     EXPECT_FALSE(other == numbered);
 }
 
-TEST(VialRefTest, ReferencesResolveOnThePlateAndRebuildTheirText) {
+TEST(VialRefTest, ReferencesResolveOnTheirPlateAndRebuildTheirText) {
     CPlateDesc plate;
     CVialRef vial;
     CString text;
@@ -86,18 +86,15 @@ TEST(VialRefTest, ReferencesResolveOnThePlateAndRebuildTheirText) {
         fresh.GetReference(text);
         EXPECT_EQ(text.Right(1), ":") << bad;
     }
-}
 
-TEST(VialRefTest, SampleParsesOnItsOwnPlate) {
+    // A sample resolves its vial reference on its own plate.
     CSampleData sample;
-    CString text;
     sample.SetPlateDescription("48 Vial Tray"); // no descriptor: the default plate
     sample.SetVialReference("1:B3");
     sample.GetVialReference(text);
     EXPECT_EQ(text, "1:B3");
     sample.SetPlateDescription("12,8,0,5");
     sample.SetVialReference("1:22");
-    CVialRef vial;
     sample.GetVialReference(vial);
     EXPECT_EQ(vial.GetVial(), 22);
     EXPECT_EQ(static_cast<CString>(vial), "1:22");

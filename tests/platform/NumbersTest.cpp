@@ -2,6 +2,7 @@
 #include <quillon/file/DelimitFile.h>
 #include <quillon/platform/Numbers.h>
 
+#include "support/Sanitizer.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
@@ -19,17 +20,6 @@
 using namespace quillon;
 using quillon::testing::ReadBytes;
 using quillon::testing::TempFile;
-
-#if defined(__SANITIZE_ADDRESS__)
-#define QUILLON_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUILLON_ADDRESS_SANITIZER 1
-#endif
-#endif
-#ifndef QUILLON_ADDRESS_SANITIZER
-#define QUILLON_ADDRESS_SANITIZER 0
-#endif
 
 namespace {
 
@@ -121,11 +111,10 @@ TEST(Numbers, AgreeWithTheCConversions) {
 // A host that sets a locale with a decimal comma reads and writes reports exactly as in the "C"
 // locale. (The locale is built for the test when the machine can; otherwise the test is skipped.)
 TEST(Numbers, ReportsReadAndWriteTheSameUnderADecimalCommaLocale) {
-#if QUILLON_ADDRESS_SANITIZER
     // The C library keeps a block of every locale it loads, which LeakSanitizer reports as a
     // leak at exit; the ordinary build runs this test.
-    GTEST_SKIP() << "loading a locale looks like a leak to LeakSanitizer";
-#endif
+    if (quillon::testing::kSanitized)
+        GTEST_SKIP() << "loading a locale looks like a leak to LeakSanitizer";
     TempFile plain("copy.txt");
     const std::string expected = RewrittenExample(plain);
 

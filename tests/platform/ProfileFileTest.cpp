@@ -51,20 +51,11 @@ protected:
 };
 
 TEST_F(ProfileFileTest, LookupIgnoresCaseAndBlanksAndFallsBackToTheDefault) {
-    WriteFile("orphan=before any section\n"
-              "; Colour=commented out\n"
-              "[Display]\n"
-              "  Colour = blue  \n"
-              "colour=second wins never\n"
-              "Quoted=\"  padded  \"\n"
-              "Single='x'\n"
-              "Half=\"open\n"
-              "Empty=\n"
-              "no equals sign here\n"
-              "[ display ]\n"
-              "Extra=from the duplicate section\n"
-              "[Other]\n"
-              "Colour=red\n");
+    WriteFile("orphan=before any section\n; Colour=commented out\n"
+              "[Display]\n  Colour = blue  \ncolour=second wins never\nQuoted=\"  padded  \"\n"
+              "Single='x'\nHalf=\"open\nEmpty=\nno equals sign here\n"
+              "[ display ]\nExtra=from the duplicate section\n"
+              "[Other]\nColour=red\n");
     const CProfileFile file = Loaded();
 
     EXPECT_EQ(file.GetString("DISPLAY", "COLOUR", "none"), "blue");
@@ -86,17 +77,9 @@ TEST_F(ProfileFileTest, LookupIgnoresCaseAndBlanksAndFallsBackToTheDefault) {
 }
 
 TEST_F(ProfileFileTest, WritingAKeyChangesOnlyThatKeysLine) {
-    const std::string original = "; settings of the suite\n"
-                                 "[General]\n"
-                                 "Path=C:\\data\n"
-                                 "\n"
-                                 "[Losses]\n"
-                                 "Loss 1=old\n"
-                                 "; keep me\n"
-                                 "Loss 2=two\n"
-                                 "\n"
-                                 "[Tail]\n"
-                                 "Last=1\n";
+    const std::string original = "; settings of the suite\n[General]\nPath=C:\\data\n\n"
+                                 "[Losses]\nLoss 1=old\n; keep me\nLoss 2=two\n\n"
+                                 "[Tail]\nLast=1\n";
     WriteFile(original);
     CProfileFile file = Loaded();
 
@@ -107,21 +90,10 @@ TEST_F(ProfileFileTest, WritingAKeyChangesOnlyThatKeysLine) {
 
     // The existing key keeps its spelling and place; the new key follows the section's last key,
     // ahead of the blank separator; the new section goes at the end.
-    EXPECT_EQ(ReadFile(), "; settings of the suite\n"
-                          "[General]\n"
-                          "Path=C:\\data\n"
-                          "\n"
-                          "[Losses]\n"
-                          "Loss 1=new\n"
-                          "; keep me\n"
-                          "Loss 2=two\n"
-                          "Loss 3=three\n"
-                          "\n"
-                          "[Tail]\n"
-                          "Last=1\n"
-                          "\n"
-                          "[Fresh]\n"
-                          "Key=value\n");
+    EXPECT_EQ(ReadFile(), "; settings of the suite\n[General]\nPath=C:\\data\n\n"
+                          "[Losses]\nLoss 1=new\n; keep me\nLoss 2=two\nLoss 3=three\n\n"
+                          "[Tail]\nLast=1\n\n"
+                          "[Fresh]\nKey=value\n");
     const CProfileFile reread = Loaded();
     EXPECT_EQ(reread.GetString("Losses", "Loss 3", ""), "three");
     EXPECT_EQ(reread.GetString("fresh", "key", ""), "value");
@@ -139,34 +111,17 @@ TEST_F(ProfileFileTest, LineEndingsAndAMissingFinalNewlineArePreserved) {
 }
 
 TEST_F(ProfileFileTest, ReplacingASectionKeepsTheRestOfTheFile) {
-    WriteFile("[Before]\n"
-              "a=1\n"
-              "\n"
-              "[Losses]\n"
-              "; old list\n"
-              "Loss 1=x\n"
-              "Loss 2=y\n"
-              "\n"
-              "\n"
-              "; about After\n"
-              "[After]\n"
-              "b=2\n");
+    WriteFile("[Before]\na=1\n\n"
+              "[Losses]\n; old list\nLoss 1=x\nLoss 2=y\n\n\n; about After\n"
+              "[After]\nb=2\n");
     CProfileFile file = Loaded();
 
     // The old keys and comments go; the blank lines and the comment before the next section stay.
     file.ReplaceSection("losses", {"Loss 1=p", "Loss 2=q"});
     ASSERT_TRUE(file.Save());
-    EXPECT_EQ(ReadFile(), "[Before]\n"
-                          "a=1\n"
-                          "\n"
-                          "[Losses]\n"
-                          "Loss 1=p\n"
-                          "Loss 2=q\n"
-                          "\n"
-                          "\n"
-                          "; about After\n"
-                          "[After]\n"
-                          "b=2\n");
+    EXPECT_EQ(ReadFile(), "[Before]\na=1\n\n"
+                          "[Losses]\nLoss 1=p\nLoss 2=q\n\n\n; about After\n"
+                          "[After]\nb=2\n");
 }
 
 TEST_F(ProfileFileTest, SavingCreatesReplacesAndRefusesWhatItMustNotTouch) {

@@ -8,42 +8,32 @@
 using namespace quillon;
 using quillon::testing::TempFile;
 
-TEST(StdioFileTest, TextModeReadsWindowsLineEndsAsLineFeeds) {
+// Text mode reads a carriage return before a line feed as part of the line end, also when a
+// piece read splits the two; binary mode keeps it.
+TEST(StdioFileTest, LineEndsInTextAndBinaryMode) {
     TempFile file;
     file.Write("first\r\nsecond\n\r\nlast\r");
     CStdioFile in(file.c_str(), CFile::modeRead);
     CString line;
-    ASSERT_TRUE(in.ReadString(line));
-    EXPECT_EQ(line, "first");
-    ASSERT_TRUE(in.ReadString(line));
-    EXPECT_EQ(line, "second");
-    ASSERT_TRUE(in.ReadString(line));
-    EXPECT_EQ(line, "");
-    ASSERT_TRUE(in.ReadString(line)); // a lone carriage return without line feed is data
-    EXPECT_EQ(line, "last\r");
+    for (const char* expected : {"first", "second", "", "last\r"}) { // a lone "\r" is data
+        ASSERT_TRUE(in.ReadString(line));
+        EXPECT_EQ(line, expected);
+    }
     EXPECT_FALSE(in.ReadString(line));
     EXPECT_TRUE(line.IsEmpty());
-}
 
-TEST(StdioFileTest, PieceReadsJoinACarriageReturnSplitFromItsLineFeed) {
-    TempFile file;
     file.Write("abc\r\nxy\r\n");
-    CStdioFile in(file.c_str(), CFile::modeRead | CFile::typeText);
+    CStdioFile pieces(file.c_str(), CFile::modeRead | CFile::typeText);
     char piece[5];
-    ASSERT_NE(in.ReadString(piece, 5), nullptr); // "abc\r" fills the buffer
+    ASSERT_NE(pieces.ReadString(piece, 5), nullptr); // "abc\r" fills the buffer
     EXPECT_STREQ(piece, "abc\n");
-    ASSERT_NE(in.ReadString(piece, 5), nullptr);
+    ASSERT_NE(pieces.ReadString(piece, 5), nullptr);
     EXPECT_STREQ(piece, "xy\n");
-    EXPECT_EQ(in.ReadString(piece, 5), nullptr);
-}
+    EXPECT_EQ(pieces.ReadString(piece, 5), nullptr);
 
-TEST(StdioFileTest, BinaryModeKeepsCarriageReturns) {
-    TempFile file;
-    file.Write("a\r\n");
-    CStdioFile in(file.c_str(), CFile::modeRead | CFile::typeBinary);
-    CString line;
-    ASSERT_TRUE(in.ReadString(line));
-    EXPECT_EQ(line, "a\r");
+    CStdioFile binary(file.c_str(), CFile::modeRead | CFile::typeBinary);
+    ASSERT_TRUE(binary.ReadString(line));
+    EXPECT_EQ(line, "abc\r");
 }
 
 TEST(StdioFileTest, PositionsLengthAndTruncation) {

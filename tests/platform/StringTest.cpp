@@ -4,7 +4,7 @@
 
 using quillon::CString;
 
-TEST(StringTest, FindAndReverseFindBoundaries) {
+TEST(StringTest, FindsAndSubstringsAreClampedToTheText) {
     const CString text("abcabc");
     EXPECT_EQ(text.Find('c'), 2);
     EXPECT_EQ(text.Find('c', 3), 5);
@@ -16,20 +16,18 @@ TEST(StringTest, FindAndReverseFindBoundaries) {
     EXPECT_EQ(text.ReverseFind('a'), 3);
     EXPECT_EQ(text.FindOneOf("xc"), 2);
     EXPECT_EQ(CString().Find('a'), -1);
-}
 
-TEST(StringTest, MidLeftRightAreClamped) {
-    const CString text("hello");
-    EXPECT_EQ(text.Mid(1, 2), "el");
-    EXPECT_EQ(text.Mid(-3, 2), "he");
-    EXPECT_EQ(text.Mid(3, 100), "lo");
-    EXPECT_EQ(text.Mid(5), "");
-    EXPECT_EQ(text.Mid(9, 2), "");
-    EXPECT_EQ(text.Mid(2, -1), "");
-    EXPECT_EQ(text.Left(-1), "");
-    EXPECT_EQ(text.Left(50), "hello");
-    EXPECT_EQ(text.Right(50), "hello");
-    EXPECT_EQ(text.Right(-2), "");
+    const CString hello("hello");
+    EXPECT_EQ(hello.Mid(1, 2), "el");
+    EXPECT_EQ(hello.Mid(-3, 2), "he");
+    EXPECT_EQ(hello.Mid(3, 100), "lo");
+    EXPECT_EQ(hello.Mid(5), "");
+    EXPECT_EQ(hello.Mid(9, 2), "");
+    EXPECT_EQ(hello.Mid(2, -1), "");
+    EXPECT_EQ(hello.Left(-1), "");
+    EXPECT_EQ(hello.Left(50), "hello");
+    EXPECT_EQ(hello.Right(50), "hello");
+    EXPECT_EQ(hello.Right(-2), "");
 }
 
 TEST(StringTest, FormatFollowsPrintfRules) {

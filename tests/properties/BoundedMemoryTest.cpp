@@ -6,13 +6,14 @@
 #include <quillon/quillon.h>
 
 #include "support/ChildProcess.h"
+#include "support/HostRecorder.h"
+#include "support/Sanitizer.h"
 #include "support/TempFile.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 
 #include <sys/resource.h>
@@ -21,19 +22,6 @@ using namespace quillon;
 using quillon::testing::TempFile;
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) ||                         \
-    __has_feature(thread_sanitizer)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
-#else
-constexpr bool kSanitized = false;
-#endif
 
 // The address space the process uses now, in bytes; 0 when it cannot be told.
 size_t AddressSpaceInUse() {
@@ -53,13 +41,7 @@ bool ReadsUnderMemoryLimit(const std::string& path, size_t fileSize) {
     constexpr size_t kAllowance = 16u << 20;
     constexpr size_t kPerByteOfFile = 8;
     const int failed = quillon::testing::RunInChild(false, [&] {
-        int messages = 0;
-        HostHooks hooks;
-        hooks.showMessage = [&messages](const CString&, const CString&, MessageIcon) {
-            ++messages;
-            return kMessageOk;
-        };
-        SetHostHooks(hooks);
+        const quillon::testing::HostRecorder host;
         const size_t inUse = AddressSpaceInUse();
         const rlim_t limit = inUse + kAllowance + kPerByteOfFile * fileSize;
         const rlimit memory{limit, limit};
@@ -71,7 +53,7 @@ bool ReadsUnderMemoryLimit(const std::string& path, size_t fileSize) {
         } catch (...) {
             return true;
         }
-        return messages != 0;
+        return !host.messages.empty();
     });
     return failed == 0;
 }
@@ -83,10 +65,7 @@ std::string SmallReport(const TempFile& folder) {
     options.samples = 2;
     options.pointsPerTrace = 50;
     generate::GenerateBatch(options);
-    std::ifstream in(options.reportPath, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
+    return quillon::testing::ReadBytes(options.reportPath);
 }
 
 } // namespace
@@ -107,7 +86,7 @@ std::string FarOutMSMSEntries() {
 }
 
 TEST(BoundedMemoryTest, NoNumberInAReportMakesTheReaderAllocateWithoutBound) {
-    if (kSanitized)
+    if (quillon::testing::kSanitized)
         GTEST_SKIP() << "a sanitizer reserves more address space than any limit allows";
     TempFile folder;
     const std::string report = SmallReport(folder);

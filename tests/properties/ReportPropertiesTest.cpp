@@ -13,14 +13,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
 using namespace quillon;
 using quillon::testing::ModelDump;
+using quillon::testing::ReadBytes;
 using quillon::testing::TempFile;
 namespace fs = std::filesystem;
 
@@ -45,14 +44,8 @@ std::string GenerateSmallReport(uint64_t seed, const fs::path& folder, const std
     return options.reportPath;
 }
 
-std::string ReadBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
-
-// Reads the report at in, writes it to out, and returns the dump of the model after writing.
+// Reads the report at in, writes it to out, and returns the dump of the model after writing. A
+// copy of the model, constructed or assigned, dumps the same: every record copies every field.
 std::string ReadAndWrite(const std::string& in, const std::string& out) {
     CSamples samples;
     CDelimitFile input(in.c_str(), CFile::modeRead);
@@ -60,7 +53,13 @@ std::string ReadAndWrite(const std::string& in, const std::string& out) {
     input.SeekToBegin();
     CDelimitFile output(out.c_str(), CFile::modeCreate | CFile::modeWrite);
     EXPECT_EQ(samples.Write(&input, &output), 1);
-    return ModelDump::Of(samples);
+    const std::string model = ModelDump::Of(samples);
+    CSamples copy(samples);
+    CSamples assigned;
+    assigned = copy;
+    EXPECT_EQ(ModelDump::Of(copy), model);
+    EXPECT_EQ(ModelDump::Of(assigned), model);
+    return model;
 }
 
 std::string DumpOf(const std::string& path) {

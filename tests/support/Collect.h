@@ -3,6 +3,7 @@
 #include <quillon/acquisition/PeakData.h>
 #include <quillon/document/Samples.h>
 
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,14 @@ Points PointsOf(const Data& data) {
     for (int i = 0; data.GetPeak(i, point); ++i)
         points.emplace_back(point.GetMass(), point.GetIntensity());
     return points;
+}
+
+// The text a getter of the form "void GetName(CString&) const" hands out.
+template <class Object>
+CString TextOf(const Object& object, void (std::type_identity_t<Object>::*getter)(CString&) const) {
+    CString text;
+    (object.*getter)(text);
+    return text;
 }
 
 // The numbers of the collection's samples, in the order it holds them.

@@ -9,6 +9,7 @@
 #include <quillon/platform/HostHooks.h>
 
 #include <cstdio>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -107,9 +108,8 @@ public:
         : m_file("report.txt") {
         m_file.Write(text);
         if (!losses.empty()) {
-            std::FILE* out = std::fopen((m_file.Folder() / "Tarnwick.ini").string().c_str(), "w");
-            std::fprintf(out, "[Hollbeck Neutral Losses]\n%s", losses.c_str());
-            std::fclose(out);
+            std::ofstream(m_file.Folder() / "Tarnwick.ini") << "[Hollbeck Neutral Losses]\n"
+                                                            << losses;
         }
         m_saved = GetHostHooks();
         HostHooks hooks = m_saved;

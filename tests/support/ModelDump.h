@@ -156,15 +156,19 @@ private:
         m_out << '\n';
         for (int i = 0; i < c.GetNumberOfListPeaks(); ++i) {
             const CChromatogramPeak& p = *c.GetChromatPeakData(i);
-            const CPeakList& extent = *p.GetChromatPeakData();
             m_out << "peak " << p.GetPeakID() << ' ' << p.GetPeakClusterID() << ' '
                   << p.GetPeakRef() << ' ' << p.GetTime() << ' ' << p.GetAreaAbs() << ' '
                   << p.GetRelativeArea() << ' ' << p.GetAreaPercentTotal() << ' ' << p.GetHeight()
-                  << ' ' << p.GetWidth() << ' ' << extent.GetStartTime() << ' '
-                  << extent.GetEndTime() << ' ' << extent.GetStartIntensity() << ' '
-                  << extent.GetEndIntensity() << ' ' << extent.GetFound() << ' ' << extent.GetID()
-                  << '\n';
+                  << ' ' << p.GetWidth() << ' ' << Extent(*p.GetChromatPeakData()) << '\n';
         }
+    }
+
+    static std::string Extent(const CPeakList& extent) {
+        std::ostringstream out = Precise();
+        out << extent.GetStartTime() << ' ' << extent.GetEndTime() << ' '
+            << extent.GetStartIntensity() << ' ' << extent.GetEndIntensity() << ' '
+            << extent.GetFound() << ' ' << extent.GetID();
+        return out.str();
     }
 
     void Spectrum(const CSpectrumData& s) {
@@ -175,7 +179,8 @@ private:
               << Text([&](CString& t) { s.GetDesc(t); }) << '|'
               << Text([&](CString& t) { s.GetProcDesc(t); }) << '|' << s.GetContinuum() << ' '
               << s.GetPeakID() << ' ' << s.GetPeakClusterID() << ' ' << s.GetPeakRef() << ' '
-              << s.GetControlPeakID() << ' ' << s.GetTime() << '\n';
+              << s.GetControlPeakID() << ' ' << s.GetTime() << ' '
+              << Extent(*s.GetChromatPeakData()) << '\n';
         CPeakData point;
         for (int i = 0; s.GetPeak(i, point); ++i)
             m_out << ' ' << point.GetMass() << ':' << point.GetIntensity();
