@@ -40,12 +40,6 @@ int CString::ReverseFind(char ch) const {
     return ToPosition(m_text.rfind(ch));
 }
 
-int CString::FindOneOf(const char* charSet) const {
-    if (charSet == nullptr || *charSet == '\0')
-        return -1;
-    return ToPosition(m_text.find_first_of(charSet));
-}
-
 CString CString::Mid(int first) const {
     return Mid(first, GetLength());
 }

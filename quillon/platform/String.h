@@ -38,7 +38,6 @@ public:
     int Find(char ch, int start = 0) const;
     int Find(const char* text, int start = 0) const;
     int ReverseFind(char ch) const;
-    int FindOneOf(const char* charSet) const;
 
     // Extraction, clamped to the string: a start below 0 counts as 0, a count beyond the end is
     // cut.

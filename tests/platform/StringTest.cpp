@@ -14,7 +14,6 @@ TEST(StringTest, FindsAndSubstringsAreClampedToTheText) {
     EXPECT_EQ(text.Find("", 6), 6);
     EXPECT_EQ(text.Find("bc", 7), -1);
     EXPECT_EQ(text.ReverseFind('a'), 3);
-    EXPECT_EQ(text.FindOneOf("xc"), 2);
     EXPECT_EQ(CString().Find('a'), -1);
 
     const CString hello("hello");
