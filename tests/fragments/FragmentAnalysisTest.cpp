@@ -209,11 +209,8 @@ TEST(FragmentAnalysisTest, WholeAnalysisBuildsParentsFragmentsAndNeutralLosses) 
     EXPECT_NEAR(filtered->GetBPI(), 800.0, 1e-3);
     EXPECT_EQ(high->GetSpectrum(2, true)->GetNumPeaks(), 0); // the excluded mass's partner
 
-    // Fragment list: one 86 per parent; both spectra share cluster 1, so the first group counts
-    // one spectrum while the later groups count their second entry too.
-    fa->GetFragments(texts);
-    EXPECT_EQ(Lines(texts), (std::vector<std::string>{"58  (1 spectrum)", "86  (2 spectra)",
-                                                      "274  (1 spectrum)", "317  (1 spectrum)"}));
+    // Fragments: one 86 per parent. (The list's lines are compared with a transcription of the
+    // analysis by the analysis fuzz target.)
     CUIntArray masses;
     fa->GetFragmentMasses(masses);
     EXPECT_EQ(Values(masses), (std::vector<UINT>{58, 86, 274, 317}));
@@ -320,6 +317,9 @@ TEST(FragmentAnalysisTest, ProgressCancellationAndExceptionsGoThroughTheHooks) {
     }
 }
 
+// Masses no instrument reports, empty spectra, a partner in a function that does not exist and a
+// formula that cannot be read: only the pairs that can be made are made. (The analysis fuzz target
+// runs the analysis and its queries over any bytes.)
 TEST(FragmentAnalysisTest, BadInputIsSkippedWithoutHarm) {
     FragmentReport r;
     r.Compound(100.0, "Xx9", "unreadable formula");
@@ -337,19 +337,12 @@ TEST(FragmentAnalysisTest, BadInputIsSkippedWithoutHarm) {
     row("MSe fragments", 7, 3, 3, -50.0); // a function that does not exist
     row("d", 1, 4, 4, 1e30);
     row("MSe fragments", 2, 4, 4, 1e30); // no spectrum with that peak
-    for (const char* settings : {"", "Loss 1=garbage\n", "Loss 1=18.0,1,900,900,x,y\n"}) {
-        LoadedReport loaded(r.Text(), settings);
-        CSampleData& sample = loaded.Sample();
-        CFragmentAnalysis* fa = sample.GetFragmentAnalysis();
-        EXPECT_NO_THROW(fa->DoFragmentAnalysis(&sample));
-        EXPECT_FALSE(fa->IsIsotopeModelValid());
-        CStringArray lines;
-        fa->GetFragments(lines);
-        fa->GetNeutralLosses(lines);
-        CArray<NeutralLossEntry> losses;
-        EXPECT_GE(fa->GetParentSpectrumCNLs(&sample, 0, losses), 0);
-        EXPECT_EQ(fa->GetParents().GetSize(), 3); // a, b and d have partners in function 2
-    }
+    LoadedReport loaded(r.Text());
+    CSampleData& sample = loaded.Sample();
+    CFragmentAnalysis* fa = sample.GetFragmentAnalysis();
+    EXPECT_NO_THROW(fa->DoFragmentAnalysis(&sample));
+    EXPECT_FALSE(fa->IsIsotopeModelValid());
+    EXPECT_EQ(fa->GetParents().GetSize(), 3); // a, b and d have partners in function 2
     CFragmentAnalysis empty;
     EXPECT_FALSE(empty.DoFragmentAnalysis(nullptr));
 }
