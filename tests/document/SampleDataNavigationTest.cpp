@@ -148,6 +148,8 @@ TEST_F(SampleDataNavigationTest, CountsAndOrdersChromatogramsOfACluster) {
     EXPECT_EQ(sample.GetSamePeakInCluster(3, 3, 2), -1);
 }
 
+// A sample is positive when any function is, a function when any spectrum is; the passed flags
+// combine the same way.
 TEST_F(SampleDataNavigationTest, RangeAndPositivityOverAllFunctions) {
     float start = -1.0f;
     float end = -1.0f;
@@ -161,6 +163,9 @@ TEST_F(SampleDataNavigationTest, RangeAndPositivityOverAllFunctions) {
     EXPECT_EQ(flags, 1);
     EXPECT_EQ(text, "weak");
     EXPECT_EQ(sample.IsPositive(1), 0); // no spectrum has a second result
+    // A function whose found results all failed their tests is positive and passes nothing.
+    EXPECT_EQ(sample.GetFunction(1)->IsPositive(-1, flags, nullptr), 1);
+    EXPECT_EQ(flags, 0);
 
     CSampleData empty;
     EXPECT_EQ(empty.GetMaxChromatogramRange(start, end), 1);
