@@ -1,3 +1,4 @@
+#include "support/Collect.h"
 #include "support/FragmentReport.h"
 #include "support/HostRecorder.h"
 
@@ -17,19 +18,9 @@ using quillon::testing::HostRecorder;
 using quillon::testing::LoadedReport;
 using quillon::testing::MetaboliteRow;
 using quillon::testing::SpectrumPoint;
+using quillon::testing::VectorOf;
 
 namespace {
-
-std::vector<std::string> Lines(const CStringArray& texts) {
-    std::vector<std::string> lines;
-    for (const CString& text : texts)
-        lines.emplace_back(text.c_str());
-    return lines;
-}
-
-std::vector<UINT> Values(const CUIntArray& values) {
-    return {values.begin(), values.end()};
-}
 
 // A found metabolite row with its peak identifier and mass shift.
 MetaboliteRow Row(const char* name, int function, int peak, int cluster, double mz,
@@ -182,8 +173,8 @@ TEST(FragmentAnalysisTest, WholeAnalysisBuildsParentsFragmentsAndNeutralLosses) 
     CUIntArray indices;
     int lastExpected = 0;
     fa->GetParentMasses(texts, indices, lastExpected);
-    EXPECT_EQ(Lines(texts), (std::vector<std::string>{"319.1030", "335.0980"}));
-    EXPECT_EQ(Values(indices), (std::vector<UINT>{0, 2}));
+    EXPECT_EQ(VectorOf(texts), (std::vector<std::string>{"319.1030", "335.0980"}));
+    EXPECT_EQ(VectorOf(indices), (std::vector<UINT>{0, 2}));
     EXPECT_EQ(lastExpected, -1);
     int function = 0, peak = 0;
     EXPECT_TRUE(fa->GetSpectrumForDaughtersOfMass(2, function, peak));
@@ -213,19 +204,19 @@ TEST(FragmentAnalysisTest, WholeAnalysisBuildsParentsFragmentsAndNeutralLosses) 
     // analysis by the analysis fuzz target.)
     CUIntArray masses;
     fa->GetFragmentMasses(masses);
-    EXPECT_EQ(Values(masses), (std::vector<UINT>{58, 86, 274, 317}));
+    EXPECT_EQ(VectorOf(masses), (std::vector<UINT>{58, 86, 274, 317}));
     CUIntArray parents, functions, peakIds;
     EXPECT_TRUE(
         fa->GetMetabolitesContainingFragment(86, parents, functions, peakIds, false, false));
-    EXPECT_EQ(Values(parents), (std::vector<UINT>{0, 2}));
-    EXPECT_EQ(Values(peakIds), (std::vector<UINT>{1, 2}));
+    EXPECT_EQ(VectorOf(parents), (std::vector<UINT>{0, 2}));
+    EXPECT_EQ(VectorOf(peakIds), (std::vector<UINT>{1, 2}));
     fa->GetMetabolitesContainingFragment(86, parents, functions, peakIds, false, true);
-    EXPECT_EQ(Values(parents), (std::vector<UINT>{0}));
+    EXPECT_EQ(VectorOf(parents), (std::vector<UINT>{0}));
     EXPECT_FALSE(fa->GetMetabolitesContainingFragment(87, parents, functions, peakIds, true, true));
 
     // Neutral losses, configured order reversed, the unselected one left out.
     fa->GetNeutralLosses(texts);
-    EXPECT_EQ(Lines(texts),
+    EXPECT_EQ(VectorOf(texts),
               (std::vector<std::string>{
                   "Loss of  18 [Water  (H2O)] (1 occurrence in 1 spectrum)",
                   "Loss of  45 [Dimethylamine  (C2H7N)] (1 occurrence in 1 spectrum)",
@@ -239,7 +230,7 @@ TEST(FragmentAnalysisTest, WholeAnalysisBuildsParentsFragmentsAndNeutralLosses) 
     CStringArray pairs;
     EXPECT_TRUE(fa->GetMassesForNeutralLoss(1, tag, functions, peakIds, pairs));
     EXPECT_EQ(tag, 0);
-    EXPECT_EQ(Lines(pairs), std::vector<std::string>{"319.1030 -> 274.0454"});
+    EXPECT_EQ(VectorOf(pairs), std::vector<std::string>{"319.1030 -> 274.0454"});
     EXPECT_FALSE(fa->GetPeaksForNeutralLoss(2, tag, functions, peakIds));
     EXPECT_EQ(tag, 0);
     EXPECT_FALSE(fa->GetPeaksForNeutralLoss(7, tag, functions, peakIds));
