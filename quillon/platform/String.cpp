@@ -201,18 +201,6 @@ int CString::CompareNoCase(const char* text) const {
     }
 }
 
-char* CString::GetBuffer(int minLength) {
-    if (minLength > GetLength())
-        m_text.resize(static_cast<size_t>(minLength));
-    return m_text.data();
-}
-
-void CString::ReleaseBuffer(int newLength) {
-    if (newLength < 0)
-        newLength = static_cast<int>(std::strlen(m_text.c_str()));
-    m_text.resize(std::min(static_cast<size_t>(newLength), m_text.size()));
-}
-
 CString& CString::operator=(const char* text) {
     m_text.assign(text ? text : "");
     return *this;

@@ -71,11 +71,6 @@ public:
     int Compare(const char* text) const;
     int CompareNoCase(const char* text) const;
 
-    // Direct buffer access: GetBuffer gives room for at least minLength characters; ReleaseBuffer
-    // sets the length (to the first NUL when newLength is -1).
-    char* GetBuffer(int minLength);
-    void ReleaseBuffer(int newLength = -1);
-
     CString& operator=(const char* text);
     CString& operator=(char ch);
     CString& operator+=(const CString& text);

@@ -70,7 +70,7 @@ TEST(StringTest, EditingOperations) {
     EXPECT_TRUE(allBlank.IsEmpty());
 }
 
-TEST(StringTest, ComparisonsBytesAndBuffers) {
+TEST(StringTest, ComparisonsAndBytes) {
     const CString a("Apple");
     EXPECT_LT(a.Compare("apple"), 0);
     EXPECT_EQ(a.CompareNoCase("aPPLE"), 0);
@@ -80,12 +80,4 @@ TEST(StringTest, ComparisonsBytesAndBuffers) {
     CString bytes("a\xff\x01", 3);
     EXPECT_EQ(bytes.GetLength(), 3);
     EXPECT_EQ(static_cast<unsigned char>(bytes[1]), 0xff);
-
-    CString text;
-    std::snprintf(text.GetBuffer(10), 11, "%s", "abc");
-    text.ReleaseBuffer();
-    EXPECT_EQ(text, "abc");
-    text.GetBuffer(10);
-    text.ReleaseBuffer(2);
-    EXPECT_EQ(text, "ab");
 }
