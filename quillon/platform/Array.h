@@ -22,7 +22,6 @@ public:
     CArray& operator=(CArray&&) noexcept = default;
 
     int GetSize() const { return static_cast<int>(m_items.size()); }
-    int GetCount() const { return GetSize(); }
     int GetUpperBound() const { return GetSize() - 1; }
     bool IsEmpty() const { return m_items.empty(); }
 

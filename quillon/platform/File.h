@@ -48,8 +48,6 @@ public:
 
     // The file's name without its folder ("report.txt").
     CString GetFileName() const;
-    // The path the file was opened with.
-    CString GetFilePath() const { return m_strFileName; }
 
 protected:
     CString m_strFileName;

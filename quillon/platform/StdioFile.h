@@ -29,7 +29,6 @@ public:
 
     BOOL Open(const char* fileName, UINT openFlags, CFileException* error = nullptr) override;
     void Close() override;
-    bool IsOpen() const { return m_pStream != nullptr; }
 
     // Reads at most maxChars - 1 characters of a line, with its line feed when it fits, into
     // buffer; returns buffer, or null at end of file.

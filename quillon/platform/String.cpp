@@ -40,12 +40,6 @@ int CString::ReverseFind(char ch) const {
     return ToPosition(m_text.rfind(ch));
 }
 
-int CString::FindOneOf(const char* charSet) const {
-    if (charSet == nullptr || *charSet == '\0')
-        return -1;
-    return ToPosition(m_text.find_first_of(charSet));
-}
-
 CString CString::Mid(int first) const {
     return Mid(first, GetLength());
 }
@@ -205,18 +199,6 @@ int CString::CompareNoCase(const char* text) const {
         if (difference != 0 || *a == '\0')
             return difference;
     }
-}
-
-char* CString::GetBuffer(int minLength) {
-    if (minLength > GetLength())
-        m_text.resize(static_cast<size_t>(minLength));
-    return m_text.data();
-}
-
-void CString::ReleaseBuffer(int newLength) {
-    if (newLength < 0)
-        newLength = static_cast<int>(std::strlen(m_text.c_str()));
-    m_text.resize(std::min(static_cast<size_t>(newLength), m_text.size()));
 }
 
 CString& CString::operator=(const char* text) {

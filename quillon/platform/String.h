@@ -38,7 +38,6 @@ public:
     int Find(char ch, int start = 0) const;
     int Find(const char* text, int start = 0) const;
     int ReverseFind(char ch) const;
-    int FindOneOf(const char* charSet) const;
 
     // Extraction, clamped to the string: a start below 0 counts as 0, a count beyond the end is
     // cut.
@@ -71,11 +70,6 @@ public:
     // Comparison: negative, 0 or positive as in strcmp (CompareNoCase ignores ASCII case).
     int Compare(const char* text) const;
     int CompareNoCase(const char* text) const;
-
-    // Direct buffer access: GetBuffer gives room for at least minLength characters; ReleaseBuffer
-    // sets the length (to the first NUL when newLength is -1).
-    char* GetBuffer(int minLength);
-    void ReleaseBuffer(int newLength = -1);
 
     CString& operator=(const char* text);
     CString& operator=(char ch);

@@ -19,20 +19,15 @@ CChromatogramPeak ReadPeak(const std::string& block) {
 
 } // namespace
 
+// Identifiers, time, extent times, area and height are checked against what the generator wrote
+// over whole generated batches; here the other fields, and a nested section that is not the peak's.
 TEST(ChromatogramPeakTest, ReadsEveryFieldOfAPeakSection) {
     const CChromatogramPeak peak =
-        ReadPeak("{\nPeak ID\t12\nPeak Cluster ID\t3\nTime\t4.25\nPeak\t4.1\t4.6\n"
-                 "Intensity\t120.5\t80.25\nAreaAbs\t5400.5\nHeight\t900\nWidth\t0.5\nPeak Ref\t7\n"
+        ReadPeak("{\nPeak ID\t12\nIntensity\t120.5\t80.25\nWidth\t0.5\nPeak Ref\t7\n"
                  "Unknown\t99\n[NESTED]\n{\nPeak ID\t55\n}\n}\nPeak ID\t66\n");
     EXPECT_EQ(peak.GetPeakID(), 12);
-    EXPECT_EQ(peak.GetPeakClusterID(), 3);
-    EXPECT_FLOAT_EQ(peak.GetTime(), 4.25f);
-    EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetStartTime(), 4.1);
-    EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetEndTime(), 4.6);
     EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetStartIntensity(), 120.5);
     EXPECT_DOUBLE_EQ(peak.GetChromatPeakData()->GetEndIntensity(), 80.25);
-    EXPECT_FLOAT_EQ(peak.GetAreaAbs(), 5400.5f);
-    EXPECT_FLOAT_EQ(peak.GetHeight(), 900.0f);
     EXPECT_FLOAT_EQ(peak.GetWidth(), 0.5f);
     EXPECT_EQ(peak.GetPeakRef(), 7);
 

@@ -47,15 +47,6 @@ CSpectrumData SpectrumWithPeakID(int peakID) {
     return spectrum;
 }
 
-CSpectrumData SpectrumWithResult(int found, int test) {
-    CSpectrumData spectrum;
-    CResultsData result;
-    result.SetFound(found);
-    result.SetConfirmationTest(test, nullptr);
-    spectrum.AddResults(result);
-    return spectrum;
-}
-
 } // namespace
 
 TEST(FunctionDataTest, ClassifiesItsTraceTypeFromTypeAndDescription) {
@@ -205,21 +196,4 @@ TEST(FunctionDataTest, SpectrumListsAndThePeakIdentifierSearch) {
     onlyFiltered.AddSpectrum(SpectrumWithPeakID(3), true);
     EXPECT_EQ(onlyFiltered.GetSpectrumWithPeakID(3, true), -1);
     EXPECT_EQ(onlyFiltered.GetSpectrum(), nullptr);
-}
-
-TEST(FunctionDataTest, IsPositiveCombinesItsSpectra) {
-    CFunctionData function;
-    int passed = -1;
-    EXPECT_FALSE(function.IsPositive(-1, passed, nullptr));
-    EXPECT_EQ(passed, 0);
-
-    function.AddSpectrum(SpectrumWithResult(1, 0), false); // found, test failed
-    EXPECT_TRUE(function.IsPositive(-1, passed, nullptr));
-    EXPECT_EQ(passed, 0);
-
-    function.AddSpectrum(SpectrumWithResult(0, 1), false); // not found
-    function.AddSpectrum(SpectrumWithResult(1, 1), false); // found and passed
-    EXPECT_TRUE(function.IsPositive(0, passed, nullptr));
-    EXPECT_EQ(passed, 1);
-    EXPECT_FALSE(function.IsPositive(1));
 }

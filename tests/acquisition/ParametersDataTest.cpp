@@ -1,5 +1,6 @@
 #include <quillon/acquisition/ParametersData.h>
 
+#include "support/Collect.h"
 #include "support/ReadBlock.h"
 
 #include <gtest/gtest.h>
@@ -9,14 +10,7 @@
 
 using namespace quillon;
 using quillon::testing::ReadBlock;
-
-namespace {
-
-std::vector<float> Values(const CFloatArray& array) {
-    return std::vector<float>(array.begin(), array.end());
-}
-
-} // namespace
+using quillon::testing::VectorOf;
 
 TEST(ParametersDataTest, ReadsEveryFieldWithItsConversion) {
     CParametersData parameters;
@@ -28,15 +22,15 @@ TEST(ParametersDataTest, ReadsEveryFieldWithItsConversion) {
     EXPECT_EQ(parameters.PeakFindWindow(), 0.0f);
     EXPECT_EQ(parameters.SpectrumThresholdMode(), "Relative");
     EXPECT_FLOAT_EQ(parameters.SpectrumThreshold(), 2.5f);
-    EXPECT_EQ(Values(parameters.PositiveAdducts()),
+    EXPECT_EQ(VectorOf(parameters.PositiveAdducts()),
               (std::vector<float>{1.0073f, 22.9892f, 38.9632f}));
-    EXPECT_EQ(Values(parameters.NegativeAdducts()), (std::vector<float>{-1.0073f}));
+    EXPECT_EQ(VectorOf(parameters.NegativeAdducts()), (std::vector<float>{-1.0073f}));
     EXPECT_FLOAT_EQ(parameters.PeakFindThreshold(), 1000.0f);
     EXPECT_EQ(parameters.SigPeaks(), 7);
 
     // Later lists replace earlier ones; empty lines change nothing.
     ReadBlock(parameters, "{\nPositiveAdducts\t4\nNegativeAdducts\nSigPeaks\n}\n");
-    EXPECT_EQ(Values(parameters.PositiveAdducts()), (std::vector<float>{4.0f}));
-    EXPECT_EQ(Values(parameters.NegativeAdducts()), (std::vector<float>{-1.0073f}));
+    EXPECT_EQ(VectorOf(parameters.PositiveAdducts()), (std::vector<float>{4.0f}));
+    EXPECT_EQ(VectorOf(parameters.NegativeAdducts()), (std::vector<float>{-1.0073f}));
     EXPECT_EQ(parameters.SigPeaks(), 7);
 }

@@ -12,14 +12,7 @@
 using namespace quillon;
 using quillon::testing::ReadBlock;
 using quillon::testing::TextOf;
-
-namespace {
-
-std::vector<double> Values(const CDoubleArray& array) {
-    return std::vector<double>(array.begin(), array.end());
-}
-
-} // namespace
+using quillon::testing::VectorOf;
 
 TEST(SampleDataTest, ReadsEveryHeaderFieldWithItsConversion) {
     // The fields read as the text they hold.
@@ -131,6 +124,6 @@ TEST(SampleDataTest, ReadsItsSectionsAndSkipsOthersWithTheirBlocks) {
     EXPECT_EQ(formula, "");
     EXPECT_EQ(sample.GetParameters()->PeakFindMode(), "Auto");
 
-    EXPECT_EQ(Values(*sample.GetMDFMasses()), (std::vector<double>{151.0633, 0.0, 300.5}));
-    EXPECT_EQ(Values(*sample.GetMDFParams()), (std::vector<double>{-0.05, 0.04}));
+    EXPECT_EQ(VectorOf(*sample.GetMDFMasses()), (std::vector<double>{151.0633, 0.0, 300.5}));
+    EXPECT_EQ(VectorOf(*sample.GetMDFParams()), (std::vector<double>{-0.05, 0.04}));
 }

@@ -63,24 +63,3 @@ TEST(SamplesSafeReading, OnlyRegularFilesAreOpened) {
         EXPECT_NE(std::string(error.what()).find("not a regular file"), std::string::npos);
     }
 }
-
-// A sample's section starts where its header line starts, whatever the line ends.
-TEST(SamplesSafeReading, SectionStartsAreExactWithWindowsLineEnds) {
-    for (const std::string lineEnd : {"\n", "\r\n"}) {
-        std::string report = ";batch\n" + Sample(1) + Sample(2);
-        std::string text;
-        for (char ch : report)
-            text += ch == '\n' ? lineEnd : std::string(1, ch);
-        TempFile file;
-        file.Write(text);
-        CSamples samples;
-        ASSERT_EQ(samples.Read(file.c_str()), 1);
-        ASSERT_EQ(samples.GetSamplesCount(), 2);
-        for (int i = 0; i < 2; ++i) {
-            const unsigned long start = samples.GetSample(i)->GetFilePosStart();
-            ASSERT_LT(start, text.size());
-            EXPECT_EQ(text.compare(start, 9, "[SAMPLE]" + lineEnd.substr(0, 1)), 0)
-                << "line end " << lineEnd.size() << ", sample " << i;
-        }
-    }
-}

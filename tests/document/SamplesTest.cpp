@@ -45,26 +45,39 @@ public:
 
 } // namespace
 
+// Samples are held in number order and know their order in the file and the bytes of their
+// sections (from the start of the header line), whatever the line ends.
 TEST(SamplesTest, ReadKeepsNumberOrderFileEntriesAndSectionPositions) {
-    const std::string first = SampleSection(5, "SampleType\tAnalyte\n");
-    const std::string second = SampleSection(3);
-    const std::string third = SampleSection(5, "SampleID\tsecond five\n");
-    TempFile file;
-    file.Write(";report\n" + first + second + third);
+    for (const std::string lineEnd : {"\n", "\r\n"}) {
+        SCOPED_TRACE(lineEnd.size());
+        const auto withEnds = [&lineEnd](const std::string& text) {
+            std::string ended;
+            for (char ch : text)
+                ended += ch == '\n' ? lineEnd : std::string(1, ch);
+            return ended;
+        };
+        const std::string comment = withEnds(";report\n");
+        const std::string first = withEnds(SampleSection(5, "SampleType\tAnalyte\n"));
+        const std::string second = withEnds(SampleSection(3));
+        const std::string third = withEnds(SampleSection(5, "SampleID\tsecond five\n"));
+        TempFile file;
+        file.Write(comment + first + second + third);
 
-    CSamples samples;
-    ASSERT_EQ(samples.Read(file.c_str()), 1);
-    EXPECT_EQ(SampleNumbers(samples), (std::vector<int>{3, 5, 5}));
-    EXPECT_EQ(samples.GetSample(0)->GetFileEntry(), 1);
-    EXPECT_EQ(samples.GetSample(1)->GetFileEntry(), 0);
-    EXPECT_EQ(samples.GetSample(2)->GetFileEntry(), 2);
-    EXPECT_EQ(TextOf(*samples.GetSample(2), &CSampleData::GetID), "second five");
+        CSamples samples;
+        ASSERT_EQ(samples.Read(file.c_str()), 1);
+        EXPECT_EQ(SampleNumbers(samples), (std::vector<int>{3, 5, 5}));
+        EXPECT_EQ(samples.GetSample(0)->GetFileEntry(), 1);
+        EXPECT_EQ(samples.GetSample(1)->GetFileEntry(), 0);
+        EXPECT_EQ(samples.GetSample(2)->GetFileEntry(), 2);
+        EXPECT_EQ(TextOf(*samples.GetSample(2), &CSampleData::GetID), "second five");
 
-    const unsigned long firstStart = std::string(";report\n").size();
-    EXPECT_EQ(samples.GetSample(1)->GetFilePosStart(), firstStart);
-    EXPECT_EQ(samples.GetSample(1)->GetFilePosEnd(), firstStart + first.size());
-    EXPECT_EQ(samples.GetSample(0)->GetFilePosStart(), firstStart + first.size());
-    EXPECT_EQ(samples.GetSample(0)->GetFilePosEnd(), firstStart + first.size() + second.size());
+        const unsigned long secondStart = comment.size() + first.size();
+        EXPECT_EQ(samples.GetSample(1)->GetFilePosStart(), comment.size());
+        EXPECT_EQ(samples.GetSample(1)->GetFilePosEnd(), secondStart);
+        EXPECT_EQ(samples.GetSample(0)->GetFilePosStart(), secondStart);
+        EXPECT_EQ(samples.GetSample(0)->GetFilePosEnd(), secondStart + second.size());
+        EXPECT_EQ(samples.GetSample(2)->GetFilePosEnd(), file.Read().size());
+    }
 }
 
 TEST(SamplesTest, AppendedSectionsGoToTheHighestNumberedSample) {

@@ -1,3 +1,4 @@
+#include "support/Collect.h"
 #include "support/FragmentReport.h"
 #include "support/HostRecorder.h"
 
@@ -17,19 +18,9 @@ using quillon::testing::HostRecorder;
 using quillon::testing::LoadedReport;
 using quillon::testing::MetaboliteRow;
 using quillon::testing::SpectrumPoint;
+using quillon::testing::VectorOf;
 
 namespace {
-
-std::vector<std::string> Lines(const CStringArray& texts) {
-    std::vector<std::string> lines;
-    for (const CString& text : texts)
-        lines.emplace_back(text.c_str());
-    return lines;
-}
-
-std::vector<UINT> Values(const CUIntArray& values) {
-    return {values.begin(), values.end()};
-}
 
 // A found metabolite row with its peak identifier and mass shift.
 MetaboliteRow Row(const char* name, int function, int peak, int cluster, double mz,
@@ -182,8 +173,8 @@ TEST(FragmentAnalysisTest, WholeAnalysisBuildsParentsFragmentsAndNeutralLosses) 
     CUIntArray indices;
     int lastExpected = 0;
     fa->GetParentMasses(texts, indices, lastExpected);
-    EXPECT_EQ(Lines(texts), (std::vector<std::string>{"319.1030", "335.0980"}));
-    EXPECT_EQ(Values(indices), (std::vector<UINT>{0, 2}));
+    EXPECT_EQ(VectorOf(texts), (std::vector<std::string>{"319.1030", "335.0980"}));
+    EXPECT_EQ(VectorOf(indices), (std::vector<UINT>{0, 2}));
     EXPECT_EQ(lastExpected, -1);
     int function = 0, peak = 0;
     EXPECT_TRUE(fa->GetSpectrumForDaughtersOfMass(2, function, peak));
@@ -209,26 +200,23 @@ TEST(FragmentAnalysisTest, WholeAnalysisBuildsParentsFragmentsAndNeutralLosses) 
     EXPECT_NEAR(filtered->GetBPI(), 800.0, 1e-3);
     EXPECT_EQ(high->GetSpectrum(2, true)->GetNumPeaks(), 0); // the excluded mass's partner
 
-    // Fragment list: one 86 per parent; both spectra share cluster 1, so the first group counts
-    // one spectrum while the later groups count their second entry too.
-    fa->GetFragments(texts);
-    EXPECT_EQ(Lines(texts), (std::vector<std::string>{"58  (1 spectrum)", "86  (2 spectra)",
-                                                      "274  (1 spectrum)", "317  (1 spectrum)"}));
+    // Fragments: one 86 per parent. (The list's lines are compared with a transcription of the
+    // analysis by the analysis fuzz target.)
     CUIntArray masses;
     fa->GetFragmentMasses(masses);
-    EXPECT_EQ(Values(masses), (std::vector<UINT>{58, 86, 274, 317}));
+    EXPECT_EQ(VectorOf(masses), (std::vector<UINT>{58, 86, 274, 317}));
     CUIntArray parents, functions, peakIds;
     EXPECT_TRUE(
         fa->GetMetabolitesContainingFragment(86, parents, functions, peakIds, false, false));
-    EXPECT_EQ(Values(parents), (std::vector<UINT>{0, 2}));
-    EXPECT_EQ(Values(peakIds), (std::vector<UINT>{1, 2}));
+    EXPECT_EQ(VectorOf(parents), (std::vector<UINT>{0, 2}));
+    EXPECT_EQ(VectorOf(peakIds), (std::vector<UINT>{1, 2}));
     fa->GetMetabolitesContainingFragment(86, parents, functions, peakIds, false, true);
-    EXPECT_EQ(Values(parents), (std::vector<UINT>{0}));
+    EXPECT_EQ(VectorOf(parents), (std::vector<UINT>{0}));
     EXPECT_FALSE(fa->GetMetabolitesContainingFragment(87, parents, functions, peakIds, true, true));
 
     // Neutral losses, configured order reversed, the unselected one left out.
     fa->GetNeutralLosses(texts);
-    EXPECT_EQ(Lines(texts),
+    EXPECT_EQ(VectorOf(texts),
               (std::vector<std::string>{
                   "Loss of  18 [Water  (H2O)] (1 occurrence in 1 spectrum)",
                   "Loss of  45 [Dimethylamine  (C2H7N)] (1 occurrence in 1 spectrum)",
@@ -242,7 +230,7 @@ TEST(FragmentAnalysisTest, WholeAnalysisBuildsParentsFragmentsAndNeutralLosses) 
     CStringArray pairs;
     EXPECT_TRUE(fa->GetMassesForNeutralLoss(1, tag, functions, peakIds, pairs));
     EXPECT_EQ(tag, 0);
-    EXPECT_EQ(Lines(pairs), std::vector<std::string>{"319.1030 -> 274.0454"});
+    EXPECT_EQ(VectorOf(pairs), std::vector<std::string>{"319.1030 -> 274.0454"});
     EXPECT_FALSE(fa->GetPeaksForNeutralLoss(2, tag, functions, peakIds));
     EXPECT_EQ(tag, 0);
     EXPECT_FALSE(fa->GetPeaksForNeutralLoss(7, tag, functions, peakIds));
@@ -320,6 +308,9 @@ TEST(FragmentAnalysisTest, ProgressCancellationAndExceptionsGoThroughTheHooks) {
     }
 }
 
+// Masses no instrument reports, empty spectra, a partner in a function that does not exist and a
+// formula that cannot be read: only the pairs that can be made are made. (The analysis fuzz target
+// runs the analysis and its queries over any bytes.)
 TEST(FragmentAnalysisTest, BadInputIsSkippedWithoutHarm) {
     FragmentReport r;
     r.Compound(100.0, "Xx9", "unreadable formula");
@@ -337,19 +328,12 @@ TEST(FragmentAnalysisTest, BadInputIsSkippedWithoutHarm) {
     row("MSe fragments", 7, 3, 3, -50.0); // a function that does not exist
     row("d", 1, 4, 4, 1e30);
     row("MSe fragments", 2, 4, 4, 1e30); // no spectrum with that peak
-    for (const char* settings : {"", "Loss 1=garbage\n", "Loss 1=18.0,1,900,900,x,y\n"}) {
-        LoadedReport loaded(r.Text(), settings);
-        CSampleData& sample = loaded.Sample();
-        CFragmentAnalysis* fa = sample.GetFragmentAnalysis();
-        EXPECT_NO_THROW(fa->DoFragmentAnalysis(&sample));
-        EXPECT_FALSE(fa->IsIsotopeModelValid());
-        CStringArray lines;
-        fa->GetFragments(lines);
-        fa->GetNeutralLosses(lines);
-        CArray<NeutralLossEntry> losses;
-        EXPECT_GE(fa->GetParentSpectrumCNLs(&sample, 0, losses), 0);
-        EXPECT_EQ(fa->GetParents().GetSize(), 3); // a, b and d have partners in function 2
-    }
+    LoadedReport loaded(r.Text());
+    CSampleData& sample = loaded.Sample();
+    CFragmentAnalysis* fa = sample.GetFragmentAnalysis();
+    EXPECT_NO_THROW(fa->DoFragmentAnalysis(&sample));
+    EXPECT_FALSE(fa->IsIsotopeModelValid());
+    EXPECT_EQ(fa->GetParents().GetSize(), 3); // a, b and d have partners in function 2
     CFragmentAnalysis empty;
     EXPECT_FALSE(empty.DoFragmentAnalysis(nullptr));
 }

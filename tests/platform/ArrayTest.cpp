@@ -21,7 +21,7 @@ TEST(ArrayTest, AddInsertAndRemove) {
     EXPECT_EQ(numbers[0], 0);
     EXPECT_EQ(numbers[2], 2);
     numbers.RemoveAt(7); // beyond the end: nothing
-    EXPECT_EQ(numbers.GetCount(), 3);
+    EXPECT_EQ(numbers.GetSize(), 3);
 
     // Inserting beyond the end extends with default elements.
     numbers.InsertAt(5, 9);

@@ -34,22 +34,13 @@ TEST(ObjectTest, RuntimeClassesReportNamesBasesAndCreateObjects) {
     delete created;
 }
 
-TEST(ObjectTest, MessagesGoThroughTheHostHook) {
-    CString shownText, shownTitle;
-    MessageIcon shownIcon = MessageIcon::Information;
+// A message goes to the host's hook, whose answer comes back (what the hook receives is checked by
+// the tests that record messages), or without a hook to standard error.
+TEST(ObjectTest, MessagesGoThroughTheHostHookOrToStandardError) {
     HostHooks hooks;
-    hooks.showMessage = [&](const CString& text, const CString& title, MessageIcon icon) {
-        shownText = text;
-        shownTitle = title;
-        shownIcon = icon;
-        return 7;
-    };
+    hooks.showMessage = [](const CString&, const CString&, MessageIcon) { return 7; };
     SetHostHooks(hooks);
     EXPECT_EQ(ShowMessage("Something", "Title", MessageIcon::Exclamation), 7);
-    EXPECT_EQ(shownText, "Something");
-    EXPECT_EQ(shownTitle, "Title");
-    EXPECT_EQ(shownIcon, MessageIcon::Exclamation);
-
     SetHostHooks({});
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(ShowMessage("Default", "Box", MessageIcon::Error), kMessageOk);

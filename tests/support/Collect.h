@@ -3,6 +3,7 @@
 #include <quillon/acquisition/PeakData.h>
 #include <quillon/document/Samples.h>
 
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -19,6 +20,20 @@ Points PointsOf(const Data& data) {
     for (int i = 0; data.GetPeak(i, point); ++i)
         points.emplace_back(point.GetMass(), point.GetIntensity());
     return points;
+}
+
+// The items of an array, in order; texts as std::string.
+template <class Array>
+auto VectorOf(const Array& items) {
+    using Item = std::decay_t<decltype(*items.begin())>;
+    if constexpr (std::is_same_v<Item, CString>) {
+        std::vector<std::string> texts;
+        for (const CString& text : items)
+            texts.emplace_back(text.str());
+        return texts;
+    } else {
+        return std::vector<Item>(items.begin(), items.end());
+    }
 }
 
 // The text a getter of the form "void GetName(CString&) const" hands out.

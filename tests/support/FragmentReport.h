@@ -60,7 +60,6 @@ public:
         m_functions += "}\n}\n";
     }
     void Unexpected(const MetaboliteRow& row) { m_unexpected += Row(row); }
-    void Expected(const MetaboliteRow& row) { m_expected += Row(row); }
 
     std::string Text() {
         CloseFunction();
@@ -68,8 +67,6 @@ public:
         if (!m_compounds.empty())
             text += "[COMPOUND]\n{\n" + m_compounds + "}\n";
         text += m_functions;
-        if (!m_expected.empty())
-            text += "[EXPECTED METABOLITES]\n{\n" + m_expected + "}\n";
         if (!m_unexpected.empty())
             text += "[UNEXPECTED METABOLITES]\n{\n" + m_unexpected + "}\n";
         return text + "}\n";
@@ -95,7 +92,6 @@ private:
 
     std::string m_compounds;
     std::string m_functions;
-    std::string m_expected;
     std::string m_unexpected;
     bool m_open = false;
 };
