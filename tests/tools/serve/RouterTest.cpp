@@ -104,24 +104,15 @@ TEST_F(RouterTest, ServesThePageAndItsFilesOnly) {
 }
 
 TEST_F(RouterTest, BatchAndSampleAnswersCarryTheModelAndItsVersion) {
-    const nlohmann::json reports = Get("/api/v1/reports");
-    ASSERT_EQ(reports["reports"].size(), 1u);
-    EXPECT_EQ(reports["reports"][0]["name"], "Chlorpromazine_HLM_batch.txt");
-
+    EXPECT_EQ(Get("/api/v1/reports")["reports"][0]["name"], "Chlorpromazine_HLM_batch.txt");
     const nlohmann::json batch = Get("/api/v1/batch");
     EXPECT_EQ(batch["report"], 0);
-    EXPECT_TRUE(batch["version"].is_number_integer());
-    const nlohmann::json& samples = batch["samples"];
-    ASSERT_GT(samples.size(), 1u);
-    EXPECT_TRUE(samples[0]["sample"].is_number_integer());
-    EXPECT_TRUE(samples[0]["found"].is_number_integer());
-    ASSERT_FALSE(batch["summary"].empty());
-    EXPECT_EQ(batch["summary"][0]["counts"].size(), samples.size());
-    EXPECT_TRUE(batch["stability"].is_array());
-
-    const int number = samples[0]["sample"];
-    const nlohmann::json sample = Get("/api/v1/samples/" + std::to_string(number));
-    EXPECT_EQ(sample["sample"]["sample"], number);
+    ASSERT_EQ(batch["samples"].size(), 6u);
+    EXPECT_EQ(batch["samples"][3]["sample"], 4);
+    EXPECT_EQ(batch["summary"][0]["counts"].size(), 6u);
+    EXPECT_EQ(batch["stability"].size(), 1u);
+    const nlohmann::json sample = Get("/api/v1/samples/4");
+    EXPECT_EQ(sample["sample"]["sample"], 4);
     EXPECT_FALSE(sample["traces"].empty());
     EXPECT_EQ(sample["version"], batch["version"]);
 }
@@ -184,11 +175,9 @@ TEST_F(RouterTest, MetaboliteFiltersKeepOnlyMatchingRows) {
                 Get(fourth + "/" + row["index"].dump() + "/candidates")["candidates"].empty());
         }
     }
-    const nlohmann::json first = all["metabolites"][0];
-    const std::string one = base + "/" + first["index"].dump();
-    EXPECT_EQ(Get(one)["metabolite"]["name"], first["name"]);
-    EXPECT_TRUE(Get(one + "/candidates")["candidates"].is_array());
-    EXPECT_TRUE(Get(one + "/correlation")["correlation"].is_array());
+    const std::string first = base + "/" + all["metabolites"][0]["index"].dump();
+    EXPECT_EQ(Get(first)["metabolite"]["name"], all["metabolites"][0]["name"]);
+    EXPECT_TRUE(Get(first + "/correlation")["correlation"].is_array());
 }
 
 TEST_F(RouterTest, PlotsAreThinnedToTheWidthUnlessAllPointsAreAsked) {
@@ -208,11 +197,8 @@ TEST_F(RouterTest, PlotsAreThinnedToTheWidthUnlessAllPointsAreAsked) {
     EXPECT_EQ(full["points"]["x"].size(), full["points"]["total"]);
     EXPECT_LE(thin["points"]["x"].size(), 40u);
     EXPECT_EQ(thin["points"]["total"], full["points"]["total"]);
-    auto highest = [](const nlohmann::json& y) {
-        double top = 0;
-        for (const auto& v : y)
-            top = std::max(top, v.get<double>());
-        return top;
+    const auto highest = [](const nlohmann::json& y) {
+        return *std::max_element(y.begin(), y.end());
     };
     EXPECT_EQ(highest(thin["points"]["y"]), highest(full["points"]["y"]));
     EXPECT_FALSE(full["peaks"].empty());
