@@ -240,7 +240,9 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     EXPECT_FALSE(fs::exists(Journal()));
     Serve();
     EXPECT_EQ(ModelOf(*m_reports[0]), reviewed);
-    EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
+    const nlohmann::json reread = Send("GET", "/api/v1/batch", 200);
+    EXPECT_EQ(reread["problem_count"], 0);
+    EXPECT_TRUE(reread["review"]["journal"].is_null());
 
     // Another program replaces the report: saving over it is refused, saving as a new file
     // writes the edits into the report as it was read, and the review continues there.
