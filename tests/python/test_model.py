@@ -34,9 +34,7 @@ def test_model_matches_the_tools_export(batch, export):
 
     traces = [(s.number, t.trace, len(t), len(t.peaks)) for s in batch.samples for t in traces_of(s)]
     assert traces == [(r["sample"], r["trace"], r["points"], r["peaks"]) for r in export["traces"]]
-    sums = {}
-    for row in export["trace_points"]:
-        sums[row["sample"], row["trace"]] = sums.get((row["sample"], row["trace"]), 0.0) + row["intensity"]
+    sums = pd.DataFrame(export["trace_points"]).groupby(["sample", "trace"])["intensity"].sum()
     for s in batch.samples:
         for t in traces_of(s):
             if len(t):

@@ -214,11 +214,9 @@ stability EXAMPLE --series 9|the series are 1 Chlorpromazine
 edit - --in-place --sample 4 --metabolite 0 --confirm|edit of standard input needs -o
 metabolites EXAMPLE --time 15 5|--time takes a low time not above a high one
 metabolites EXAMPLE --time -1 5|both 0 or more
-metabolites EXAMPLE --time 5|At least 2 required
 metabolites EXAMPLE --mass-error nan|--mass-error takes a number of 0 or more
 metabolites EXAMPLE --mass-defect 0.3 1.5|fractions of a dalton from 0 to below 1
 metabolites EXAMPLE --relative-area -3|--relative-area takes a number of 0 or more
-metabolites EXAMPLE --area abc|Could not convert
 metabolites EXAMPLE --area 5 --relative-area 2|exclude each other
 metabolites EXAMPLE --area-unexpected-only|needs --area or --relative-area
 metabolites EXAMPLE --sample -2|--sample takes a sample number
