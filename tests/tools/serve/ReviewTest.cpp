@@ -1,12 +1,12 @@
 // Reviewing through the server, in process: every edit with undo and redo, stale pages, saving
 // (in place, as a new file, refused over a report changed on disk, failing without harm) and the
 // journal replayed into the same model after a crash.
+#include "PageRequest.h"
 #include "support/ChildProcess.h"
 #include "support/ModelDump.h"
 #include "support/TempFile.h"
 
 #include <serve/LoadReports.h>
-#include <serve/Router.h>
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,6 @@ namespace fs = std::filesystem;
 using quillon::testing::ModelDump;
 using quillon::testing::ReadBytes;
 
-constexpr const char* kToken = "0123456789abcdef0123456789abcdef";
 // A sample of the example batch whose metabolites have elemental candidates.
 constexpr int kSample = 4;
 
@@ -49,8 +48,7 @@ protected:
         m_router.reset();
         m_reports.clear();
         m_reports = LoadReports({m_report.string()});
-        m_router = std::make_unique<Router>(m_reports,
-                                            RouterSettings{kToken, ServedHosts("127.0.0.1", 8765)});
+        m_router = std::make_unique<Router>(m_reports, PageSettings());
     }
     fs::path Journal() const { return m_folder / ".batch.txt.quillon-journal"; }
 
@@ -59,12 +57,7 @@ protected:
     HttpRequest Request(const std::string& method, const std::string& target,
                         nlohmann::json body = nlohmann::json::object(),
                         std::optional<long long> version = std::nullopt) const {
-        HttpRequest request;
-        request.method = method;
-        request.path = target;
-        request.headers = {{"host", "127.0.0.1:8765"},
-                           {"cookie", std::string("quillon_token=") + kToken},
-                           {"x-quillon-request", "1"}};
+        HttpRequest request = PageRequest(method, target);
         if (method != "GET" && version.value_or(0) >= 0)
             body["version"] = version ? *version : m_reports[0]->Version();
         request.body = body.dump();
