@@ -24,8 +24,10 @@ namespace fs = std::filesystem;
 using quillon::testing::ModelDump;
 using quillon::testing::ReadBytes;
 
-// A sample of the example batch whose metabolites have elemental candidates.
+// A sample of the example batch, and its first metabolite with elemental candidates (m/z
+// 480.1183, four candidates).
 constexpr int kSample = 4;
+constexpr int kWithCandidates = 22;
 
 // The model served, as text.
 std::string ModelOf(ServedReport& report) {
@@ -75,18 +77,6 @@ protected:
         return "/api/v1/samples/" + std::to_string(kSample) + "/metabolites/" +
                std::to_string(index);
     }
-    // The first metabolite of the sample with at least two elemental candidates.
-    int WithCandidates() {
-        const nlohmann::json rows =
-            Send("GET", "/api/v1/samples/" + std::to_string(kSample) + "/metabolites", 200);
-        for (const nlohmann::json& row : rows["metabolites"]) {
-            const int index = row["index"];
-            if (Send("GET", Metabolite(index) + "/candidates", 200)["candidates"].size() >= 2)
-                return index;
-        }
-        ADD_FAILURE() << "no metabolite with candidates in sample " << kSample;
-        return 0;
-    }
     // Confirms, labels and deletes a candidate of metabolite m; undoes and redoes the delete.
     void Review(int m) {
         Send("PATCH", Metabolite(m), 200, {{"confirmed", true}});
@@ -105,9 +95,10 @@ protected:
 };
 
 TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
-    const int m = WithCandidates();
+    const int m = kWithCandidates;
     const std::string before = ModelOf(*m_reports[0]);
     const nlohmann::json candidates = Send("GET", Metabolite(m) + "/candidates", 200)["candidates"];
+    ASSERT_EQ(candidates.size(), 4u);
     const long long first = m_reports[0]->Version();
 
     nlohmann::json answer = Send("PATCH", Metabolite(m), 200, {{"confirmed", true}});
@@ -153,7 +144,7 @@ TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
 
 TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
     const std::string original = ModelOf(*m_reports[0]);
-    const int m = WithCandidates();
+    const int m = kWithCandidates;
     Review(m);
     Send("PATCH", Metabolite(m + 1), 200, {{"label", "tab\u00e9 — non-ASCII"}});
     Send("POST", "/api/v1/undo", 200);
@@ -223,7 +214,7 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
 }
 
 TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
-    const int m = WithCandidates();
+    const int m = kWithCandidates;
     Review(m);
     const std::string reviewed = ModelOf(*m_reports[0]);
     nlohmann::json answer = Send("POST", "/api/v1/save", 200);
@@ -267,7 +258,7 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
 // A save that fails half-way (a file-size limit, in a child process) is an error answer and
 // leaves the report and the journal as they were.
 TEST_F(ReviewTest, AFailedSaveLeavesTheReportAndTheJournal) {
-    Review(WithCandidates());
+    Review(kWithCandidates);
     const std::string journal = ReadBytes(Journal());
     const int failed = quillon::testing::RunInChild(false, [this] {
         ::signal(SIGXFSZ, SIG_IGN);
