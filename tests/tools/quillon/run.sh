@@ -33,17 +33,12 @@ expect 0 "$quillon" fragments "$example" --sample 4 --format csv --settings "$wo
 [ "$(grep -c neutral_loss "$work/out")" -gt 0 ] || fail "--settings FILE: no neutral losses read"
 expect 1 "$quillon" fragments "$example" --sample 4 --settings "$work/none.cfg"
 grep -q "none.cfg" "$work/err" || fail "missing settings file not named: $(cat "$work/err")"
-# JSON by default, with every table; integers are ints, flags booleans, floats read back to the
-# report's float values.
+# JSON by default, with every table (the Python module's tests compare it with the model).
 expect 0 "$quillon" export "$example" -o "$work/model.json"
 python3 - "$work/model.json" <<'PY' || fail "export JSON"
 import json, re, sys
 raw = open(sys.argv[1]).read()
-d = json.loads(raw)
-assert len(d["samples"]) == 6 and d["trace_points"] and d["metabolites"]
-m = d["metabolites"][0]
-assert isinstance(m["sample"], int) and isinstance(m["index"], int) and isinstance(m["found"], bool), m
-assert all("function" in r for r in d["spectrum_points"])
+assert all("function" in r for r in json.loads(raw)["spectrum_points"])
 # Points are stored as floats: each prints in its shortest text (73.1402, never 73.14019775390625).
 points = [line for line in raw.splitlines() if '"intensity"' in line]
 assert points and not any(re.search(r"\d\.\d{10,}", line) for line in points), "long float text"
