@@ -1,6 +1,7 @@
 // The web server's answers, in process: the security checks, every route's shape, the filters,
 // the fragment job and bad input.
 #include "PageRequest.h"
+#include "support/TempFile.h"
 
 #include <serve/LoadReports.h>
 
@@ -9,23 +10,22 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <fstream>
 #include <thread>
 
 namespace quillon::tool::serve {
 namespace {
 
+using quillon::testing::ReadBytes;
+
+// The example batch, read once for every test.
+ServedReports& Example() {
+    static ServedReports reports =
+        LoadReports({QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt"});
+    return reports;
+}
+
 class RouterTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        s_reports = new ServedReports(
-            LoadReports({QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt"}));
-    }
-    static void TearDownTestSuite() {
-        delete s_reports;
-        s_reports = nullptr;
-    }
-
     HttpResponse Send(const HttpRequest& request) { return m_router.Handle(request); }
     // The JSON answer to a GET, expecting the status.
     nlohmann::json Get(const std::string& target, int status = 200) {
@@ -39,11 +39,8 @@ protected:
         return body;
     }
 
-    static ServedReports* s_reports;
-    Router m_router{*s_reports, PageSettings()};
+    Router m_router{Example(), PageSettings()};
 };
-
-ServedReports* RouterTest::s_reports = nullptr;
 
 TEST_F(RouterTest, RefusesForeignHostsMissingTokensUnmarkedChangesAndLargeBodies) {
     HttpRequest request = PageRequest("GET", "/api/v1/batch");
@@ -102,14 +99,13 @@ TEST_F(RouterTest, BatchAndSampleAnswersCarryTheModelAndItsVersion) {
 
 TEST_F(RouterTest, ADamagedReportIsServedWithWhatReadingPassedOver) {
     EXPECT_EQ(Get("/api/v1/batch")["problem_count"], 0);
-    std::ifstream example(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt");
-    std::string text((std::istreambuf_iterator<char>(example)), {});
+    std::string text = ReadBytes(QUILLON_SOURCE_DIR "/examples/Chlorpromazine_HLM_batch.txt");
     const size_t time = text.find("SubjectTime\t") + std::strlen("SubjectTime\t");
     text.replace(time, text.find('\n', time) - time, "sixty");
-    const std::string path = ::testing::TempDir() + "damaged-report.txt";
-    std::ofstream(path) << text;
+    const quillon::testing::TempFile file("damaged-report.txt");
+    file.Write(text);
 
-    ServedReports damaged = LoadReports({path});
+    ServedReports damaged = LoadReports({file.Path()});
     Router router{damaged, PageSettings()};
     const nlohmann::json batch =
         nlohmann::json::parse(router.Handle(PageRequest("GET", "/api/v1/batch")).body);
