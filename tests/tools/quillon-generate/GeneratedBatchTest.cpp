@@ -503,13 +503,10 @@ TEST(GeneratedBulkReportTest, EveryMetaboliteHasItsPartnerAndProductIonSpectrum)
     ASSERT_TRUE(ParseCommandLine(3, argv, options, message, help));
     const quillon::testing::TempFile report("bulk.txt");
     options.reportPath = report.Path();
-    GenerateBatch(options);
-
-    const InWorkingDirectory folder(report.Folder().string());
-    CSamples samples;
-    ASSERT_EQ(samples.Read(options.reportPath.c_str()), 1);
-    ASSERT_EQ(samples.GetSamplesCount(), 1);
-    CSampleData& sample = *samples.GetSample(0);
+    ReadBack batch(options);
+    const InWorkingDirectory folder(batch.folder);
+    ASSERT_EQ(batch.samples.GetSamplesCount(), 1);
+    CSampleData& sample = *batch.samples.GetSample(0);
     ASSERT_EQ(sample.GetFunctionCount(), 2);
     CFunctionData* high = sample.GetFunction(1);
     ASSERT_EQ(high->GetNumSpectra(false), 40);
@@ -541,11 +538,9 @@ TEST(GeneratedBatchStabilityTest, HalfLivesAreRecovered) {
         options.pointsPerTrace = 200;
         options.variation = 0.1;
         options.halfLifeMinutes = halfLife;
-        GenerateBatch(options);
-        CSamples samples;
-        ASSERT_EQ(samples.Read(options.reportPath.c_str()), 1);
+        ReadBack batch(options);
         CArray<CMetabolicStabilityInfo> series;
-        ASSERT_TRUE(samples.CreateMetabolicStabilityAnalysis(series));
+        ASSERT_TRUE(batch.samples.CreateMetabolicStabilityAnalysis(series));
         ASSERT_EQ(series.GetSize(), 1);
         EXPECT_NEAR(series[0].halfLife, halfLife, 0.05 * halfLife);
     }
