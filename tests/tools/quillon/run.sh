@@ -24,23 +24,8 @@ grep -q "total" "$work/out" || fail "info table has no totals"
 expect 0 "$quillon" info "$example" --format csv
 head -1 "$work/out" | grep -qx "sample,id,type,description,time,parent,control,functions,traces,expected,unexpected,msms,found" || fail "info CSV header"
 [ "$(wc -l <"$work/out")" -eq 7 ] || fail "info CSV has not one row per sample"
-expect 0 "$quillon" metabolites "$example" --sample 4 --format json
-python3 -c "import json,sys; rows=json.load(open(sys.argv[1])); assert rows and all(r['sample']==4 for r in rows)" "$work/out" || fail "metabolites JSON"
-expect 0 "$quillon" metabolites "$example" --format csv
-all_rows=$(wc -l <"$work/out")
-expect 0 "$quillon" metabolites "$example" --area 1e12 --format csv
-python3 - "$work/out" "$all_rows" <<'PY' || fail "metabolites area filter"
-import csv, sys
-rows = list(csv.DictReader(open(sys.argv[1])))
-# No low-energy peak has an area that large: only rows without a peak area (or the high-energy
-# partners, which the area filter exempts) are left.
-assert len(rows) + 1 < int(sys.argv[2])
-assert all(r["area"] == "" or r["high_energy"] == "true" for r in rows)
-PY
 expect 0 "$quillon" summary "$example" --format json
 python3 -c "import json,sys; rows=json.load(open(sys.argv[1])); assert rows[0]['metabolite']=='Parent'" "$work/out" || fail "summary JSON"
-expect 0 "$quillon" fragments "$example" --sample 4 --format json
-python3 -c "import json,sys; d=json.load(open(sys.argv[1])); assert {r['kind'] for r in d} == {'fragment', 'neutral_loss'}" "$work/out" || fail "fragments JSON"
 # --settings names the file itself, whatever its name; it need not be writable; a missing one is
 # an error naming it.
 cp "$(dirname "$example")/Tarnwick.ini" "$work/losses.cfg" && chmod a-w "$work/losses.cfg"
@@ -48,28 +33,17 @@ expect 0 "$quillon" fragments "$example" --sample 4 --format csv --settings "$wo
 [ "$(grep -c neutral_loss "$work/out")" -gt 0 ] || fail "--settings FILE: no neutral losses read"
 expect 1 "$quillon" fragments "$example" --sample 4 --settings "$work/none.cfg"
 grep -q "none.cfg" "$work/err" || fail "missing settings file not named: $(cat "$work/err")"
-# JSON by default, with every table; integers are ints, flags booleans, floats read back to the
-# report's float values.
+# JSON by default, with every table (the Python module's tests compare it with the model).
 expect 0 "$quillon" export "$example" -o "$work/model.json"
 python3 - "$work/model.json" <<'PY' || fail "export JSON"
 import json, re, sys
 raw = open(sys.argv[1]).read()
-d = json.loads(raw)
-assert len(d["samples"]) == 6 and d["trace_points"] and d["metabolites"]
-m = d["metabolites"][0]
-assert isinstance(m["sample"], int) and isinstance(m["index"], int) and isinstance(m["found"], bool), m
-assert all("function" in r for r in d["spectrum_points"])
+assert all("function" in r for r in json.loads(raw)["spectrum_points"])
 # Points are stored as floats: each prints in its shortest text (73.1402, never 73.14019775390625).
 points = [line for line in raw.splitlines() if '"intensity"' in line]
 assert points and not any(re.search(r"\d\.\d{10,}", line) for line in points), "long float text"
 PY
 expect 0 "$quillon" stability "$example" --format json --plot "$work/stability.svg"
-python3 - "$work/out" <<'PY' || fail "stability half-life"
-import json, sys
-series = json.load(open(sys.argv[1]))
-assert len(series) == 1 and abs(series[0]["half_life_min"] - 55) <= 0.15 * 55
-assert series[0]["half_life_low_min"] < series[0]["half_life_min"] < series[0]["half_life_high_min"]
-PY
 expect 0 "$quillon" plot "$example" --sample 4 --trace 2 -o "$work/trace.svg"
 expect 0 "$quillon" plot "$example" --sample 4 --fragments -o "$work/fragments.svg"
 # Standard output by default and for -o -; the figures' layout is the browser test's
@@ -229,11 +203,9 @@ stability EXAMPLE --series 9|the series are 1 Chlorpromazine
 edit - --in-place --sample 4 --metabolite 0 --confirm|edit of standard input needs -o
 metabolites EXAMPLE --time 15 5|--time takes a low time not above a high one
 metabolites EXAMPLE --time -1 5|both 0 or more
-metabolites EXAMPLE --time 5|At least 2 required
 metabolites EXAMPLE --mass-error nan|--mass-error takes a number of 0 or more
 metabolites EXAMPLE --mass-defect 0.3 1.5|fractions of a dalton from 0 to below 1
 metabolites EXAMPLE --relative-area -3|--relative-area takes a number of 0 or more
-metabolites EXAMPLE --area abc|Could not convert
 metabolites EXAMPLE --area 5 --relative-area 2|exclude each other
 metabolites EXAMPLE --area-unexpected-only|needs --area or --relative-area
 metabolites EXAMPLE --sample -2|--sample takes a sample number

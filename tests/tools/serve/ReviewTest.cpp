@@ -1,12 +1,12 @@
 // Reviewing through the server, in process: every edit with undo and redo, stale pages, saving
 // (in place, as a new file, refused over a report changed on disk, failing without harm) and the
 // journal replayed into the same model after a crash.
+#include "PageRequest.h"
 #include "support/ChildProcess.h"
 #include "support/ModelDump.h"
 #include "support/TempFile.h"
 
 #include <serve/LoadReports.h>
-#include <serve/Router.h>
 
 #include <gtest/gtest.h>
 
@@ -24,9 +24,10 @@ namespace fs = std::filesystem;
 using quillon::testing::ModelDump;
 using quillon::testing::ReadBytes;
 
-constexpr const char* kToken = "0123456789abcdef0123456789abcdef";
-// A sample of the example batch whose metabolites have elemental candidates.
+// A sample of the example batch, and its first metabolite with elemental candidates (m/z
+// 480.1183, four candidates).
 constexpr int kSample = 4;
+constexpr int kWithCandidates = 22;
 
 // The model served, as text.
 std::string ModelOf(ServedReport& report) {
@@ -49,8 +50,7 @@ protected:
         m_router.reset();
         m_reports.clear();
         m_reports = LoadReports({m_report.string()});
-        m_router = std::make_unique<Router>(m_reports,
-                                            RouterSettings{kToken, ServedHosts("127.0.0.1", 8765)});
+        m_router = std::make_unique<Router>(m_reports, PageSettings());
     }
     fs::path Journal() const { return m_folder / ".batch.txt.quillon-journal"; }
 
@@ -59,12 +59,7 @@ protected:
     HttpRequest Request(const std::string& method, const std::string& target,
                         nlohmann::json body = nlohmann::json::object(),
                         std::optional<long long> version = std::nullopt) const {
-        HttpRequest request;
-        request.method = method;
-        request.path = target;
-        request.headers = {{"host", "127.0.0.1:8765"},
-                           {"cookie", std::string("quillon_token=") + kToken},
-                           {"x-quillon-request", "1"}};
+        HttpRequest request = PageRequest(method, target);
         if (method != "GET" && version.value_or(0) >= 0)
             body["version"] = version ? *version : m_reports[0]->Version();
         request.body = body.dump();
@@ -81,18 +76,6 @@ protected:
     std::string Metabolite(int index) const {
         return "/api/v1/samples/" + std::to_string(kSample) + "/metabolites/" +
                std::to_string(index);
-    }
-    // The first metabolite of the sample with at least two elemental candidates.
-    int WithCandidates() {
-        const nlohmann::json rows =
-            Send("GET", "/api/v1/samples/" + std::to_string(kSample) + "/metabolites", 200);
-        for (const nlohmann::json& row : rows["metabolites"]) {
-            const int index = row["index"];
-            if (Send("GET", Metabolite(index) + "/candidates", 200)["candidates"].size() >= 2)
-                return index;
-        }
-        ADD_FAILURE() << "no metabolite with candidates in sample " << kSample;
-        return 0;
     }
     // Confirms, labels and deletes a candidate of metabolite m; undoes and redoes the delete.
     void Review(int m) {
@@ -112,9 +95,10 @@ protected:
 };
 
 TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
-    const int m = WithCandidates();
+    const int m = kWithCandidates;
     const std::string before = ModelOf(*m_reports[0]);
     const nlohmann::json candidates = Send("GET", Metabolite(m) + "/candidates", 200)["candidates"];
+    ASSERT_EQ(candidates.size(), 4u);
     const long long first = m_reports[0]->Version();
 
     nlohmann::json answer = Send("PATCH", Metabolite(m), 200, {{"confirmed", true}});
@@ -160,7 +144,7 @@ TEST_F(ReviewTest, EveryEditUndoesAndRedoesAndAStalePageIsRefused) {
 
 TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
     const std::string original = ModelOf(*m_reports[0]);
-    const int m = WithCandidates();
+    const int m = kWithCandidates;
     Review(m);
     Send("PATCH", Metabolite(m + 1), 200, {{"label", "tab\u00e9 — non-ASCII"}});
     Send("POST", "/api/v1/undo", 200);
@@ -230,7 +214,7 @@ TEST_F(ReviewTest, TheJournalReplaysIntoTheSameModelAfterACrash) {
 }
 
 TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
-    const int m = WithCandidates();
+    const int m = kWithCandidates;
     Review(m);
     const std::string reviewed = ModelOf(*m_reports[0]);
     nlohmann::json answer = Send("POST", "/api/v1/save", 200);
@@ -240,7 +224,9 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
     EXPECT_FALSE(fs::exists(Journal()));
     Serve();
     EXPECT_EQ(ModelOf(*m_reports[0]), reviewed);
-    EXPECT_TRUE(Send("GET", "/api/v1/review", 200)["review"]["journal"].is_null());
+    const nlohmann::json reread = Send("GET", "/api/v1/batch", 200);
+    EXPECT_EQ(reread["problem_count"], 0);
+    EXPECT_TRUE(reread["review"]["journal"].is_null());
 
     // Another program replaces the report: saving over it is refused, saving as a new file
     // writes the edits into the report as it was read, and the review continues there.
@@ -272,7 +258,7 @@ TEST_F(ReviewTest, SavesWriteTheEditsAndNeverOverAReportChangedOnDisk) {
 // A save that fails half-way (a file-size limit, in a child process) is an error answer and
 // leaves the report and the journal as they were.
 TEST_F(ReviewTest, AFailedSaveLeavesTheReportAndTheJournal) {
-    Review(WithCandidates());
+    Review(kWithCandidates);
     const std::string journal = ReadBytes(Journal());
     const int failed = quillon::testing::RunInChild(false, [this] {
         ::signal(SIGXFSZ, SIG_IGN);

@@ -13,6 +13,7 @@ import urllib.request
 QUILLON = os.environ["QUILLON"]
 REPORT = os.environ["QUILLON_REPORT"]
 SAMPLE = 4
+WITH_CANDIDATES = 22  # the sample's first metabolite with elemental candidates
 
 
 class Server:
@@ -38,16 +39,13 @@ class Server:
 
     def review(self):
         """The edits of a reviewer: confirm, label, delete a candidate, undo, redo, relabel."""
-        rows = self.call("GET", f"samples/{SAMPLE}/metabolites")["metabolites"]
-        first = next(r["index"] for r in rows if self.call(
-            "GET", f"samples/{SAMPLE}/metabolites/{r['index']}/candidates")["candidates"])
-        at = f"samples/{SAMPLE}/metabolites/{first}"
+        at = f"samples/{SAMPLE}/metabolites/{WITH_CANDIDATES}"
         self.call("PATCH", at, {"confirmed": True})
         self.call("PATCH", at, {"label": "N-oxide, checked"})
         self.call("DELETE", f"{at}/candidates/0")
         self.call("POST", "undo")
         self.call("POST", "redo")
-        return self.call("PATCH", f"samples/{SAMPLE}/metabolites/{first + 1}",
+        return self.call("PATCH", f"samples/{SAMPLE}/metabolites/{WITH_CANDIDATES + 1}",
                          {"confirmed": True})["review"]["unsaved"]
 
     def interrupt(self):
